@@ -1,0 +1,7 @@
+// The standard streams, made safe for a program that starts others.
+#pragma once
+
+/// Opens each closed one of descriptors 0 to 2 on /dev/null, so that no log file takes its place,
+/// and makes standard output pass on each line as it is printed: in front of what the next tool
+/// prints, and whatever becomes of the run.
+void prepareStandardStreams();
