@@ -1,0 +1,69 @@
+#include "iperf3/iperf3_history.h"
+
+#include "history_files.h"
+#include "iperf3/iperf3_status.h"
+#include "iperf_client.h"
+#include "run_state.h"
+#include "text_buffer.h"
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+constexpr char kForwardPath[] = "%siperf3_history_forward_csv.log";
+constexpr char kReversePath[] = "%siperf3_history_reverse_csv.log";
+constexpr char kPathTrace[] = "iperf history file path is %s\n";
+constexpr char kCountTrace[] = "history file line count %d\n";
+constexpr char kHeading[] = "\n= IPERF3 history %d ====================================\n";
+
+// Required: only one of the two holds a blank before its last conversion; both take the same lines.
+constexpr char kForwardScan[] = "%32[^,],%32[^,],%d,%32[^,],%d,%d,%32[^,],%llu, %lf";
+constexpr char kReverseScan[] = "%32[^,],%32[^,],%d,%32[^,],%d,%d,%32[^,],%llu,%lf";
+
+/// Scans the first nine columns of `line` and returns whether all were there.
+bool scanLine(const std::string& line, bool reverse, iperf3_status& status) {
+  return std::sscanf(line.c_str(), reverse ? kReverseScan : kForwardScan, status.date,
+                     status.clientIp, &status.clientPort, status.serverIp, &status.serverPort,
+                     &status.transferId, status.testTime, &status.lengthSent, &status.bpsSent) == 9;
+}
+
+void printLine(unsigned number, bool reverse, const iperf3_status& status) {
+  std::printf(kHeading, static_cast<int>(number));
+  printConnection(status);
+  // Required: a reverse line shows the received numbers, which the scan never fills.
+  std::printf("length %llu \n", reverse ? status.lengthRcvd : status.lengthSent);
+  std::printf("Bps %.0f\n", reverse ? status.bpsRcvd : status.bpsSent);
+}
+
+/// Prints the lines of the history that are reports, numbered by line, and returns how many lines
+/// of any kind it holds.
+unsigned reportLines(const char* path, bool reverse) {
+  std::ifstream history(path);
+  unsigned count = 0;
+  for (std::string line; std::getline(history, line); ++count) {
+    iperf3_status status;
+    if (scanLine(line, reverse, status) && ConfigurationParameters.debugPrintHistory) {
+      printLine(count, reverse, status);
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+void write_iperf3_history_log_files(bool reverse) {
+  char path[kPathCapacity];
+  formatInto(path, reverse ? kReversePath : kForwardPath, LOG_PATH);
+  if (!reverse) {
+    std::printf(kPathTrace, path);
+  }
+  const unsigned count = reportLines(path, reverse);
+  if (!reverse) {
+    std::printf(kCountTrace, static_cast<int>(count));
+  }
+  if (count >= kFullHistoryLines) {
+    writeDatedLogFile(TEST_TYPE_IPERF, path, 3, reverse);
+  }
+}

@@ -1,0 +1,75 @@
+#include "iperf3/iperf3_run.h"
+
+#include "history_files.h"
+#include "iperf3/iperf3_json.h"
+#include "iperf3/iperf3_status.h"
+#include "iperf_client.h"
+#include "run_state.h"
+#include "text_buffer.h"
+#include "time_services.h"
+
+#include <cstdio>
+#include <fstream>
+
+namespace {
+
+constexpr char kClient[] = "/usr/local/bin/Qelmora/iperf3";
+constexpr char kStartTrace[] = "iperf3 start time %s direction %s\n";
+// Required: the option brings a blank of its own, so that three stand before the ">" of a forward
+// run and two before the "-R" of a reverse one.
+constexpr char kCommand[] = "%s -c %s -t %d %s %s > %siperf3_latest%s.log\n";
+constexpr char kJsonOption[] = "-J ";
+
+constexpr char kForwardReport[] = "%siperf3_latest.log";
+constexpr char kReverseReport[] = "%siperf3_latest-R.log";
+constexpr char kReportTrace[] = " read latest file is %s\n";
+constexpr char kSummaryHeading[] = "\n= IPERF3 summary  ====================================\n";
+
+constexpr char kForwardCsv[] = "%siperf3_latest_forward_csv.log";
+constexpr char kReverseCsv[] = "%siperf3_latest_reverse_csv.log";
+constexpr char kCsvLine[] = "%s,%s,%d,%s,%d,%d,%s,%llu,%.0f,%llu,%.0f\n";
+
+/// Characters of the CSV line at most, its newline and terminator included.
+constexpr std::size_t kCsvCapacity = 1024;
+
+void runClient(bool reverse) {
+  getDateTimeString(iperfStartTimeStamp);
+  if (ConfigurationParameters.debugConfFile) {
+    std::printf(kStartTrace, iperfStartTimeStamp,
+                reverse ? "server to client" : "client to server");
+  }
+  iperf3_prog = kClient;
+  const char* const direction = reverse ? "-R" : "";
+  formatInto(cmd, kCommand, iperf3_prog.c_str(), ipaddr, ConfigurationParameters.iperfTestTime,
+             kJsonOption, direction, LOG_PATH, direction);
+  runIperfClient();
+}
+
+iperf3_status readLatestReport(bool reverse) {
+  formatInto(filepath, reverse ? kReverseReport : kForwardReport, LOG_PATH);
+  std::printf(kReportTrace, filepath);
+  iperf3_status status;
+  iperf3JsonToCsvUnix(filepath, status);
+  if (ConfigurationParameters.debugConfFile) {
+    std::fputs(kSummaryHeading, stdout);
+    printIperf3Status(status);
+  }
+  return status;
+}
+
+void writeLatestCsv(bool reverse, const iperf3_status& status) {
+  formatInto(filepath, reverse ? kReverseCsv : kForwardCsv, LOG_PATH);
+  char line[kCsvCapacity];
+  formatLineInto(line, kCsvLine, status.date, status.clientIp, status.clientPort, status.serverIp,
+                 status.serverPort, status.transferId, status.testTime, status.lengthSent,
+                 status.bpsSent, status.lengthRcvd, status.bpsRcvd);
+  std::ofstream(filepath) << line;
+}
+
+}  // namespace
+
+void exec_iperf3(bool reverse) {
+  runClient(reverse);
+  writeLatestCsv(reverse, readLatestReport(reverse));
+  read_latest_iperf_log_file(3, reverse);
+}
