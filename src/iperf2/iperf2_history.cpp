@@ -1,0 +1,51 @@
+#include "iperf2/iperf2_history.h"
+
+#include "history_files.h"
+#include "iperf2/iperf2_status.h"
+#include "iperf_client.h"
+#include "run_state.h"
+#include "text_buffer.h"
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+constexpr char kHistoryPath[] = "%siperf2_history.log";
+constexpr char kHeading[] = "\n= IPERF2 history %d ====================================\n";
+
+void printReport(unsigned number, const iperf2_status& status) {
+  std::printf(kHeading, static_cast<int>(number));
+  printConnection(status);
+  // Required: the blank before the newline stands in the other line of the latest report's print.
+  std::printf("length %llu \n", status.length);
+  std::printf("Bps %llu\n", status.bps);
+}
+
+/// Prints the reports of the history, numbered, and returns how many it holds.
+unsigned reportHistory(const char* path) {
+  std::ifstream history(path);
+  unsigned count = 0;
+  for (std::string line; std::getline(history, line);) {
+    iperf2_status status;
+    if (!scanIperf2Report(line.c_str(), status)) {
+      continue;
+    }
+    if (ConfigurationParameters.debugPrintHistory) {
+      printReport(count, status);
+    }
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+void write_iperf2_history_log_files() {
+  char path[kPathCapacity];
+  formatInto(path, kHistoryPath, LOG_PATH);
+  if (reportHistory(path) >= kFullHistoryLines) {
+    writeDatedLogFile(TEST_TYPE_IPERF, path, 2, false);
+  }
+}
