@@ -1,0 +1,5 @@
+#include "run_driver.h"
+
+int main(int argc, char** argv) {
+  return runConnectionTest(argc, argv);
+}
