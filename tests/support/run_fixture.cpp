@@ -1,0 +1,100 @@
+#include "support/run_fixture.h"
+
+#include "run_state.h"
+#include "text_buffer.h"
+#include "time_services.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+template <std::size_t N>
+void clear(char (&buffer)[N]) {
+  std::fill(std::begin(buffer), std::end(buffer), '\0');
+}
+
+void resetGlobals() {
+  ConfigurationParameters = {};
+  outputResults = {};
+  clear(LOG_PATH);
+  clear(LOG_PATH_ARCHIVE);
+  clear(currentTimeStamp);
+  clear(pingStartTimeStamp);
+  clear(iperfStartTimeStamp);
+  clear(cmd);
+  clear(ipaddr);
+  clear(filepath);
+  myName = "";
+  arg_count = 0;
+  iperf2_prog = "iperf2-win-2.1.7.exe";
+  iperf3_prog = "iperf3.exe";
+  tzsetDone = false;
+}
+
+}  // namespace
+
+void RunFixture::SetUp() {
+  resetGlobals();
+  setenv("TZ", "UTC", 1);
+  tzset();
+  fakeHost = {};
+  fakeHost.now = kStartTime;
+  std::cout.precision(6);
+
+  char directory[] = "/tmp/run.XXXXXX";
+  ASSERT_NE(mkdtemp(directory), nullptr);
+  std::filesystem::current_path(directory);
+  std::filesystem::create_directories("logs/archive");
+  setenv("HOME", directory, 1);
+  formatInto(LOG_PATH, "%s/logs/", directory);
+  formatInto(LOG_PATH_ARCHIVE, "%s/logs/archive/", directory);
+  formatInto(currentTimeStamp, "%s", kStartStamp);
+}
+
+void RunFixture::TearDown() {
+  const std::filesystem::path directory = std::filesystem::current_path();
+  std::filesystem::current_path("/");
+  std::filesystem::remove_all(directory);
+}
+
+std::string RunFixture::logFile(const std::string& name) {
+  return LOG_PATH + name;
+}
+
+std::string RunFixture::archiveFile(const std::string& name) {
+  return LOG_PATH_ARCHIVE + name;
+}
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  ASSERT_TRUE(file.good()) << path;
+}
+
+std::string readFile(const std::string& path) {
+  const std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.good()) << path;
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+bool fileExists(const std::string& path) {
+  return std::filesystem::exists(path);
+}
+
+std::string testData(const std::string& name) {
+  return TEST_DATA_DIR "/" + name;
+}
+
+std::string repeated(const std::string& text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) {
+    all += text;
+  }
+  return all;
+}

@@ -1,0 +1,45 @@
+// The fixture of every unit test: a run at its start, in a directory of its own.
+#pragma once
+
+#include "support/fake_host.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/// Puts every global back to its start, sets the clock to 2026-11-16 05:40:00 UTC, and makes an
+/// empty directory with "logs/archive/" in it the working directory, LOG_PATH and LOG_PATH_ARCHIVE.
+class RunFixture : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  /// Returns what `step` printed on standard output.
+  template <typename Step>
+  static std::string console(Step step) {
+    testing::internal::CaptureStdout();
+    step();
+    return testing::internal::GetCapturedStdout();
+  }
+
+  /// The path of a file in the log directory.
+  static std::string logFile(const std::string& name);
+  static std::string archiveFile(const std::string& name);
+};
+
+inline constexpr std::time_t kStartTime = 1'794'807'600;
+inline constexpr char kStartStamp[] = "20261116T054000";
+
+void writeFile(const std::string& path, const std::string& text);
+
+/// Returns the whole file; fails the test when there is none.
+std::string readFile(const std::string& path);
+
+bool fileExists(const std::string& path);
+
+/// The path of a file of tests/data/.
+std::string testData(const std::string& name);
+
+/// "text" repeated `count` times.
+std::string repeated(const std::string& text, int count);
