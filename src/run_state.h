@@ -23,7 +23,7 @@ inline constexpr std::size_t kTextWidth = 32;
 inline constexpr unsigned kFullHistoryLines = 10;
 
 /// The kinds of history that writeDatedLogFile() moves.
-enum TEST_TYPE { TEST_TYPE_PING = 0, TEST_TYPE_IPERF = 1, TEST_TYPE_RESULTS = 2 };
+enum TEST_TYPE : int { TEST_TYPE_PING = 0, TEST_TYPE_IPERF = 1, TEST_TYPE_RESULTS = 2 };
 
 /// Settings with their compiled defaults; readConfigFile() is the only writer.
 struct Configuration {
@@ -43,7 +43,7 @@ struct Configuration {
 inline Configuration ConfigurationParameters;
 
 /// The keys of the configuration file, in the order in which a line is searched for them.
-inline constexpr const char* configFileKeys[] = {
+inline const char* const configFileKeys[] = {
     "debugConfFile",  "numPings",        "iperfTestTime",  "pingTestServer",
     "debugPrintPing", "debugPrintIperf", "debugPrintLast", "debugPrintHistory",
     "doPingTests",    "doIperf2Tests",   "doIperf3Tests",  "outputFormat"};
