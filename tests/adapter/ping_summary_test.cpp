@@ -1,0 +1,164 @@
+#include "ping_summary.h"
+
+#include "adapter/process.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace {
+
+/// `text` after each of its lines has gone through the adapter.
+std::string adapt(const std::string& text) {
+  ReplyTimes times;
+  std::string adapted;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t length = text.substr(start).find('\n');
+    const std::string line = text.substr(start, length == std::string::npos ? length : length + 1);
+    adapted += adaptLine(line, times);
+    start += line.size();
+  }
+  return adapted;
+}
+
+std::string recording(const std::string& name) {
+  return readFile(TEST_DATA_DIR "/ping/" + name);
+}
+
+TEST(PingSummary, OfIputilsGetsTheRecognisedForm) {
+  const std::string text = adapt(recording("iputils_20221126_reply.log"));
+
+  EXPECT_EQ(text, R"(PING 127.0.0.1 (127.0.0.1) 56(84) bytes of data.
+64 bytes from 127.0.0.1: icmp_seq=1 ttl=64 time=0.010 ms
+64 bytes from 127.0.0.1: icmp_seq=2 ttl=64 time=0.038 ms
+64 bytes from 127.0.0.1: icmp_seq=3 ttl=64 time=0.034 ms
+
+--- 127.0.0.1 ping statistics ---
+3 packets transmitted, 3 received, 0% packet loss, time 2045ms
+round-trip min/avg/max/stddev = 0.010/0.027/0.038/0.012 ms
+)");
+}
+
+TEST(PingSummary, OfBusyboxGetsTheStandardDeviationOfTheReplies) {
+  const std::string text = adapt(recording("busybox_1.35_reply.log"));
+
+  EXPECT_EQ(text, R"(PING 127.0.0.1 (127.0.0.1): 56 data bytes
+64 bytes from 127.0.0.1: seq=0 ttl=64 time=0.025 ms
+64 bytes from 127.0.0.1: seq=1 ttl=64 time=0.060 ms
+64 bytes from 127.0.0.1: seq=2 ttl=64 time=0.061 ms
+
+--- 127.0.0.1 ping statistics ---
+3 packets transmitted, 3 packets received, 0% packet loss
+round-trip min/avg/max/stddev = 0.025/0.048/0.061/0.017 ms
+)");
+}
+
+TEST(PingSummary, ThatIsRecognisedOrMissingLeavesTheOutputAsItIs) {
+  const char* const names[] = {"inetutils_2.4_reply.log",
+                               "inetutils_2.4_one_reply.log",
+                               "inetutils_2.4_no_reply.log",
+                               "iputils_20221126_no_reply.log",
+                               "macos_reply.log",
+                               "macos_no_reply.log",
+                               "windows_reply.log",
+                               "windows_no_reply.log"};
+  for (const char* const name : names) {
+    SCOPED_TRACE(name);
+    const std::string text = recording(name);
+
+    EXPECT_EQ(adapt(text), text);
+  }
+}
+
+TEST(PingSummary, KeepsItsNumbersAndWhatFollowsThem) {
+  const struct {
+    const char* line;
+    const char* adapted;
+  } cases[] = {
+      {"rtt min/avg/max/mdev = 0.003/0.005/0.011/0.003 ms, pipe 2\n",
+       "round-trip min/avg/max/stddev = 0.003/0.005/0.011/0.003 ms, pipe 2\n"},
+      {"rtt min/avg/max/mdev = 0.003/0.006/0.009/0.003 ms, ipg/ewma 0.037/0.008 ms\n",
+       "round-trip min/avg/max/stddev = 0.003/0.006/0.009/0.003 ms, ipg/ewma 0.037/0.008 ms\n"},
+      {"rtt min/avg/max/mdev = 0.003/0.006/0.009/0.003 ms, pipe 3, ipg/ewma 0.037/0.008 ms\n",
+       "round-trip min/avg/max/stddev = 0.003/0.006/0.009/0.003 ms, pipe 3, ipg/ewma 0.037/0.008 "
+       "ms\n"},
+      {"rtt min/avg/max/mdev = 1203.7/1203.75/1203.777/0 ms",
+       "round-trip min/avg/max/stddev = 1203.7/1203.75/1203.777/0 ms"},
+      {"rtt min/avg/max/mdev = 1/2/3/4 ms\r\n", "round-trip min/avg/max/stddev = 1/2/3/4 ms\r\n"},
+      {"round-trip min/avg/max = 1/2/3 ms", "round-trip min/avg/max/stddev = 1/2/3/0.000 ms"},
+      {"round-trip min/avg/max = 1/2/3 ms, and more\n",
+       "round-trip min/avg/max/stddev = 1/2/3/0.000 ms, and more\n"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.line);
+
+    EXPECT_EQ(adapt(c.line), c.adapted);
+  }
+}
+
+TEST(PingSummary, OfAnotherFormIsLeftAsItIs) {
+  const char* const lines[] = {
+      "",
+      "\n",
+      "round-trip min/avg/max/stddev = 0.010/0.027/0.038/0.012 ms\n",
+      "round-trip min/avg/max/std-dev = 0.010/0.027/0.038/0.012 ms\n",  // OpenBSD
+      "round-trip (ms)  min/avg/max = 0/0/1\n",                         // HP-UX
+      "round-trip min/avg/max = 1/2/3/4 ms\n",
+      "round-trip min/avg/max = 1/2 ms\n",
+      "round-trip min/avg/max = 1/2/3\n",
+      "round-trip min/avg/max = 1/2/3ms\n",
+      "round-trip min/avg/max = 1/2/3 s\n",
+      "round-trip min/avg/max = 1/2/3 m",
+      "round-trip min/avg/max = 1//3 ms\n",
+      "round-trip min/avg/max = ",
+      "rtt min/avg/max/mdev = 1/2/3 ms\n",
+      "rtt min/avg/max/mdev = 1/2/3/4/5 ms\n",
+      "rtt min/avg/max/mdev = 1,0/2,0/3,0/0,5 ms\n",
+      "rtt min/avg/max/mdev = x/1/2/3 ms\n",
+      "rtt min/avg/max/mdev = \n",
+      "rtt min/avg/max/mdev =\n",
+      "rtt min/avg/max = 1/2/3 ms\n",
+      " rtt min/avg/max/mdev = 1/2/3/4 ms\n",
+      "the rtt min/avg/max/mdev = 1/2/3/4 ms\n",
+      "RTT min/avg/max/mdev = 1/2/3/4 ms\n"};
+  for (const char* const line : lines) {
+    SCOPED_TRACE(line);
+
+    EXPECT_EQ(adapt(line), line);
+  }
+}
+
+TEST(PingSummary, KeepsABytePastTheNumbersThatIsZero) {
+  using std::string_literals::operator""s;
+
+  EXPECT_EQ(adapt("rtt min/avg/max/mdev = 1/2/3/4 ms\0 and\n"s),
+            "round-trip min/avg/max/stddev = 1/2/3/4 ms\0 and\n"s);
+}
+
+TEST(PingSummary, GetsTheDeviationOfTheRepliesThatHaveATime) {
+  const struct {
+    const char* replies;
+    const char* deviation;
+  } cases[] = {
+      {"", "0.000"},
+      {"64 bytes from 10.0.0.5: seq=0 ttl=64 time=12.5 ms\n", "0.000"},
+      {"seq=0 time=0.1 ms\nseq=1 time=0.1 ms\nseq=2 time=0.1 ms\n", "0.000"},
+      {"seq=0 time=1 ms\nseq=1 time=2 ms\nseq=2 time=3 ms\n", "0.816"},
+      {"seq=0 time=1 ms\nseq=1 time=3 ms\nseq=1 time=8 ms (DUP!)\n", "2.944"},
+      {"seq=0 time=1 ms\nseq=1 time<1 ms\nseq=2 time=2 ms\n", "0.500"},
+      {"seq=0 time=1 ms\nseq=1 time= ms\nseq=2 time=2 s\nseq=3 ttl=64\n", "0.000"},
+      {"seq=0 time=1 ms\nuptime=9 ms\n9 replies, time 9ms\n", "0.000"},
+      // Squares of these have no decimals left in a double.
+      {"seq=0 time=90000000.001 ms\nseq=1 time=90000000.002 ms\nseq=2 time=90000000.003 ms\n",
+       "0.001"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.replies);
+
+    EXPECT_EQ(
+        adapt(std::string(c.replies) + "round-trip min/avg/max = 1/2/3 ms\n"),
+        c.replies + std::string("round-trip min/avg/max/stddev = 1/2/3/") + c.deviation + " ms\n");
+  }
+}
+
+}  // namespace
