@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
@@ -83,6 +84,13 @@ TEST_F(PingAdapter, GivesThePingItsOwnNameAndTheEnglishLanguage) {
 
   EXPECT_EQ(run({"print.pl"}, [] { setenv("LC_ALL", "de_DE.UTF-8", 1); }),
             std::string("ping\0print.pl\0", 14) + " C.UTF-8\nexit status 0");
+}
+
+TEST_F(PingAdapter, GivesThePingTheDescriptorsOfTheCallerAndNoOther) {
+  fakePing("echo /proc/self/fd/*");
+  const std::string alone = Process({(directory / "system/ping").string()}).readOutput();
+
+  EXPECT_EQ(run(), alone + "exit status 0");
 }
 
 TEST_F(PingAdapter, TurnsTheSummaryAndPassesTheOtherLinesOn) {
@@ -253,6 +261,18 @@ TEST_F(PingAdapter, EndsThePingWhenTheReaderOfTheOutputHasGone) {
   }
 }
 
+TEST_F(PingAdapter, LetsTheNextLineEndThePingWhenItIsKilledItself) {
+  fakePing("echo first; read -r line; echo second; read -r line");
+  Process adapter({PING_ADAPTER}, [] { std::signal(SIGPIPE, SIG_DFL); });
+  EXPECT_EQ(adapter.readLine(), "first\n");
+
+  adapter.sendSignal(SIGKILL);
+  EXPECT_EQ(adapter.end(), "killed by signal 9");
+  adapter.writeInput("go on\n");
+
+  EXPECT_EQ(adapter.readErrors(), "");
+}
+
 TEST_F(PingAdapter, EndsThePingAndSaysWhyTheOutputCannotBeWritten) {
   const struct {
     const char* reason;
@@ -364,7 +384,9 @@ TEST_F(PingAdapter, SaysThatThereIsNoPipeToRunThePing) {
 TEST_F(PingAdapter, RunsNothingWhereItCannotTellItselfFromTheSystemsPing) {
   fakePing("echo never");
 
-  Process adapter({"/usr/bin/bwrap", "--dev-bind", "/", "/", "--tmpfs", "/proc", PING_ADAPTER});
+  // Without the capability to ping, with which bwrap does not start.
+  Process adapter({"/usr/bin/bwrap", "--dev-bind", "/", "/", "--tmpfs", "/proc", PING_ADAPTER},
+                  [] { prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0); });
 
   // The sanitizers miss /proc, too, and say so first.
   EXPECT_THAT(adapter.readErrors(),

@@ -118,6 +118,14 @@ void Process::sendSignal(int signal) const {
   EXPECT_EQ(kill(process, signal), 0);
 }
 
+void Process::awaitSleepOfChild() const {
+  const std::string id = std::to_string(process);
+  const std::string child = readFile("/proc/" + id + "/task/" + id + "/children");
+  const std::string stat = "/proc/" + child.substr(0, child.find(' ')) + "/stat";
+  while (readFile(stat).find(") R ") != std::string::npos) {
+  }
+}
+
 std::string Process::end() const {
   int status = 0;
   EXPECT_EQ(waitpid(process, &status, 0), process);

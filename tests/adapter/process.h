@@ -32,6 +32,8 @@ class Process {
   void writeInput(const std::string& text) const;
   void closeOutput();
   void sendSignal(int signal) const;
+  /// Waits until the child of the program waits for something, or has ended.
+  void awaitSleepOfChild() const;
 
   /// Waits for the end: "exit status 0", "killed by signal 15".
   std::string end() const;

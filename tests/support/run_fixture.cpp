@@ -43,6 +43,7 @@ void RunFixture::SetUp() {
   tzset();
   fakeHost = {};
   fakeHost.now = kStartTime;
+  fakeTimebase = kTimebaseAtStart;
   std::cout.precision(6);
 
   char directory[] = "/tmp/run.XXXXXX";
@@ -59,6 +60,15 @@ void RunFixture::TearDown() {
   const std::filesystem::path directory = std::filesystem::current_path();
   std::filesystem::current_path("/");
   std::filesystem::remove_all(directory);
+  if (configured_) {
+    std::filesystem::remove_all(kConfigPath);
+  }
+}
+
+void RunFixture::configure(const std::string& text) {
+  ASSERT_FALSE(fileExists(kConfigPath)) << "a configuration of the machine's own";
+  configured_ = true;
+  writeFile(kConfigPath, text);
 }
 
 std::string RunFixture::logFile(const std::string& name) {

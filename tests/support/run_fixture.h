@@ -23,13 +23,21 @@ class RunFixture : public testing::Test {
     return testing::internal::GetCapturedStdout();
   }
 
+  /// Makes `text` the configuration file until the test ends.
+  void configure(const std::string& text);
+
   /// The path of a file in the log directory.
   static std::string logFile(const std::string& name);
   static std::string archiveFile(const std::string& name);
+
+ private:
+  bool configured_ = false;
 };
 
 inline constexpr std::time_t kStartTime = 1'794'807'600;
 inline constexpr char kStartStamp[] = "20261116T054000";
+
+inline constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
 
 void writeFile(const std::string& path, const std::string& text);
 
