@@ -1,0 +1,80 @@
+# What `cmake --install` puts where, and the Debian package that `cpack` makes of it.
+#
+# Components: "program" is all that stands under the prefix, "machine" what makes the installation
+# work without a package manager (the fixed paths, the uninstall command), "debian" what only the
+# package holds.
+include(GNUInstallDirs)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
+
+set(programs ${CMAKE_INSTALL_LIBEXECDIR}/connTester)
+set(data ${CMAKE_INSTALL_DATADIR}/connTester)
+set(documents ${CMAKE_INSTALL_DATADIR}/doc/conntester)
+
+# Scripts find their neighbours by relative paths, so that `--prefix` and DESTDIR need nothing more.
+file(RELATIVE_PATH PROGRAMS_FROM_BIN /${CMAKE_INSTALL_BINDIR} /${programs})
+file(RELATIVE_PATH DATA_FROM_PROGRAMS /${programs} /${data})
+file(RELATIVE_PATH PREFIX_FROM_PROGRAMS /${programs} /)
+foreach(script connTester fixed-paths uninstall)
+  configure_file(packaging/${script}.in packaging/${script} @ONLY)
+endforeach()
+
+set(folders
+  ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${data} ${documents}/docs lib/systemd/user
+  ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5)
+configure_file(cmake/start_install.cmake.in packaging/start_install.cmake @ONLY)
+install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/start_install.cmake COMPONENT machine)
+
+install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/connTester TYPE BIN)
+install(TARGETS connTester DESTINATION ${programs})
+install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
+install(PROGRAMS packaging/with-ping-adapter ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
+  DESTINATION ${programs})
+install(FILES
+  packaging/connTester.conf
+  packaging/cron/connTester.crontab
+  packaging/launchd/connTester.plist
+  packaging/systemd/locked-down.conf
+  DESTINATION ${data})
+install(FILES packaging/systemd/connTester@.service packaging/systemd/connTester@.timer
+  DESTINATION lib/systemd/user)
+install(FILES man/connTester.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES man/connTester.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES README.md CHANGELOG.md DESTINATION ${documents})
+install(FILES docs/architecture.md docs/files.md DESTINATION ${documents}/docs)
+
+install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/uninstall DESTINATION ${programs}
+  COMPONENT machine)
+configure_file(cmake/finish_install.cmake.in packaging/finish_install.cmake @ONLY)
+install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/finish_install.cmake COMPONENT machine)
+
+install(FILES packaging/debian/changelog DESTINATION ${documents} RENAME changelog.Debian
+  COMPONENT debian EXCLUDE_FROM_ALL)
+install(FILES packaging/debian/copyright DESTINATION ${documents}
+  COMPONENT debian EXCLUDE_FROM_ALL)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME conntester)
+set(CPACK_PACKAGE_CONTACT "connTester maintainers <conntester@packages.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "one-shot tester of a network connection")
+set(CPACK_PACKAGE_DESCRIPTION
+"connTester measures the link to a test server, once: the latency with ping,
+the rates of both directions with iperf3. It ends with one result line and
+keeps dated histories. Units for a run every hour are included.")
+set(CPACK_INSTALL_CMAKE_PROJECTS
+  "${CMAKE_BINARY_DIR};connTester;program;/;${CMAKE_BINARY_DIR};connTester;debian;/")
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/cmake/debian_documents.cmake)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "iperf3, iputils-ping | inetutils-ping | ping")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS iperf)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/postinst
+  ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/prerm
+  ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
+include(CPack)

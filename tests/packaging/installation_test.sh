@@ -1,0 +1,161 @@
+#!/usr/bin/env bash
+# `cmake --install` and the command that undoes it.
+source "$(dirname "$0")/library.sh"
+
+# What is under the prefix then.
+files='bin/connTester
+lib/systemd/user/connTester@.service
+lib/systemd/user/connTester@.timer
+libexec/connTester/connTester
+libexec/connTester/fixed-paths
+libexec/connTester/manifest
+libexec/connTester/ping-adapter/ping
+libexec/connTester/uninstall
+libexec/connTester/with-ping-adapter
+share/connTester/connTester.conf
+share/connTester/connTester.crontab
+share/connTester/connTester.plist
+share/connTester/locked-down.conf
+share/doc/conntester/CHANGELOG.md
+share/doc/conntester/README.md
+share/doc/conntester/docs/architecture.md
+share/doc/conntester/docs/files.md
+share/man/man1/connTester.1
+share/man/man5/connTester.conf.5'
+
+list_files() {
+  (cd "$1" && find . ! -type d -printf '%P\n' | LC_ALL=C sort)
+}
+
+# The machine as it is before; some folders of the prefix are there.
+prepare() {
+  rm -r "$installation"
+  mkdir -p "$prefix/bin" "$prefix/share/man"
+}
+
+# Compares the folders and files under the prefix with those of `prepare`.
+expect_nothing_left() {
+  expect_file <(cd "$prefix" && find . -mindepth 1 | LC_ALL=C sort) <<'END'
+./bin
+./share
+./share/man
+END
+  [[ ! -e $installation ]] || fail "left: $(ls -A "$installation")"
+}
+
+PutsItsFilesUnderThePrefix() {
+  prepare
+
+  install_tester
+
+  expect_file <(list_files "$prefix") <<<"$files"
+  expect_file <(ls -A "$installation") <<<$'.made-by-connTester\nconnTester.conf\niperf3'
+}
+
+PutsAllOfThemBehindDestdir() {
+  prepare
+  export DESTDIR=/tmp/stage
+
+  install_tester
+
+  expect_file <(list_files /tmp/stage) < <(
+    printf '%s\n' "$files" | sed 's|^|tmp/usr/|'
+    printf 'usr/local/bin/Qelmora/%s\n' .made-by-connTester connTester.conf iperf3)
+  expect_nothing_left
+}
+
+InstallsAProgramThatRuns() {
+  install_tester
+  configure doPingTests=false doIperf3Tests=false
+
+  run 10.0.0.5
+
+  expect_status 0
+  expect_file /tmp/fake/errors </dev/null
+  grep -q '^current time .* argc is 2\. Server IP address: 10\.0\.0\.5$' /tmp/fake/console ||
+    fail "the program's start is missing: $(cat /tmp/fake/console)"
+}
+
+LeavesAConfigurationAndALinkThatExist() {
+  configure numPings=3
+  ln -sf /opt/iperf3 "$installation/iperf3"
+
+  install_tester
+
+  expect_file "$installation/connTester.conf" <<<numPings=3
+  expect_file <(readlink "$installation/iperf3") <<</opt/iperf3
+}
+
+SaysWhatIsToBeDoneWithoutIperf3() {
+  prepare
+  provide cmake cp dirname grep mkdir readlink sh
+
+  PATH=/tmp/bin install_tester
+
+  expect_file <(grep '^connTester:' /tmp/fake/installation) <<<"connTester: iperf3 is not installed.\
+ Install it, then run, as root: $programs/fixed-paths make"
+  grep -q '^CMake Warning' /tmp/fake/installation || fail 'the installation does not warn'
+  expect_file <(list_files "$prefix") <<<"$files"
+}
+
+IsUndoneByUninstall() {
+  prepare
+  install_tester
+  # shellcheck disable=SC2034 # used by `run`
+  tester=("$programs/uninstall")
+
+  run
+
+  expect_status 0
+  expect_file /tmp/fake/console </dev/null
+  expect_file /tmp/fake/errors </dev/null
+  expect_nothing_left
+}
+
+IsUndoneWholeWhenItWasMadeTwice() {
+  prepare
+  install_tester
+  install_tester
+  # shellcheck disable=SC2034 # used by `run`
+  tester=("$programs/uninstall")
+
+  run
+
+  expect_status 0
+  expect_nothing_left
+}
+
+IsUndoneBehindDestdir() {
+  prepare
+  export DESTDIR=/tmp/stage
+  install_tester
+  # shellcheck disable=SC2034 # used by `run`
+  tester=("/tmp/stage$programs/uninstall")
+
+  run
+
+  expect_status 0
+  expect_file <(find /tmp/stage -mindepth 1 ! -path /tmp/stage/tmp ! -path /tmp/stage/usr | sort) <<'END'
+/tmp/stage/tmp/usr
+/tmp/stage/usr/local
+/tmp/stage/usr/local/bin
+END
+}
+
+LeavesTheUsersFilesWhenItIsUndone() {
+  mkdir -p "$prefix/bin" "$prefix/share/doc/conntester"
+  touch "$prefix/bin/mine" "$prefix/share/doc/conntester/mine"
+  configure numPings=3
+  cp -a "$installation" /tmp/before
+  install_tester
+  # shellcheck disable=SC2034 # used by `run`
+  tester=("$programs/uninstall")
+
+  run
+
+  expect_status 0
+  expect_file <(list_files "$prefix") <<<$'bin/mine\nshare/doc/conntester/mine'
+  diff -r /tmp/before "$installation" || fail 'the folder of the program has changed'
+}
+
+run_test "$@"

@@ -1,0 +1,47 @@
+# shellcheck shell=bash
+# Functions for the tests of what is installed. A test script sources this file as it would source
+# that of the tests of the whole program, whose functions and machine it has, too.
+#
+#   /tmp/usr  the prefix of the installation that a test makes
+#
+# CTest sets BUILD_DIRECTORY and PROJECT_VERSION.
+source "$(dirname "${BASH_SOURCE[0]}")/../program/library.sh"
+
+# shellcheck disable=SC2034 # used by the scripts
+packaging=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../packaging" && pwd)
+prefix=/tmp/usr
+programs=$prefix/libexec/connTester
+
+# The fake ping is the system's one here.
+machine_path=$PATH
+export PATH=/tmp/bin:$PATH
+
+# shellcheck disable=SC2034 # used by `run`
+tester=("$prefix/bin/connTester")
+
+install_tester() {
+  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" >/tmp/fake/installation 2>&1 ||
+    fail "the installation ended with status $?: $(cat /tmp/fake/installation)"
+}
+
+# Puts a fake in the place of the program: it notes its arguments and runs, at its end, the shell
+# commands given.
+install_fake_program() {
+  install_tester
+  cp "$tests/fake_tool" "$programs/connTester"
+  touch /tmp/fake/connTester.out
+  echo "$1" >/tmp/fake/connTester.end
+}
+
+# Puts tools of the machine beside the fakes, for a run with nothing else in PATH.
+provide() {
+  local tool
+  for tool in "$@"; do
+    ln -sf "$(PATH=$machine_path command -v "$tool")" "/tmp/bin/$tool"
+  done
+}
+
+# Prints the events of the program, without those of the ping that is tried before it.
+program_events() {
+  grep '^connTester' /tmp/fake/events || true
+}
