@@ -1,0 +1,56 @@
+// What the fuzz targets share: the machine that an input meets, and the judgement of what follows.
+//
+// The shell does nothing and the sleep takes no time. Every trace is on.
+//
+// Files: LOG_PATH, a directory below /tmp (emptied for each input).
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+
+/// Each target implements this: hands `input` to the readers of one format and checks what they
+/// promise. It starts on a machine that startRun() has made.
+void readInput(const std::string& input);
+
+/// The command lines that the shell was given since the start of the run.
+extern std::size_t commandCount;
+
+/// Puts the settings, the results and the log directory back to the start of a run.
+void startRun();
+
+void writeFile(const std::string& path, const std::string& text);
+
+/// Returns the whole file; empty without one.
+std::string readFile(const std::string& path);
+
+/// The path of a file in the log directory.
+std::string logFile(const std::string& name);
+
+/// Ends the process with the name of a `promise` that was not kept.
+void require(bool kept, const char* promise);
+
+/// Checks the ping history that a parser leaves: whole lines, as many as `outputResults` tells of,
+/// and a move for each line from the tenth on. The parser has run `otherCommands` more.
+void requireSoundPingHistory(std::size_t otherCommands);
+
+/// Ends the process unless `message` starts with one of `documented`.
+void requireDocumented(const std::string& message, std::initializer_list<const char*> documented);
+
+/// Runs a reader and returns the message of the exception with which it ended; empty without one.
+/// Only exceptions of a malformed number may end it, by messages that start with one of
+/// `documented`. Any other exception is a finding.
+template <typename Reader>
+std::string endingOf(Reader reader, std::initializer_list<const char*> documented) {
+  try {
+    reader();
+    return "";
+  } catch (const std::invalid_argument& error) {
+    requireDocumented(error.what(), documented);
+    return error.what();
+  } catch (const std::out_of_range& error) {
+    requireDocumented(error.what(), documented);
+    return error.what();
+  }
+}

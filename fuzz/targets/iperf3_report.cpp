@@ -1,0 +1,62 @@
+// The iperf3 report, read by both variants and by the runs of both directions.
+#include "harness.h"
+#include "iperf3/iperf3_json.h"
+#include "iperf3/iperf3_run.h"
+#include "run_state.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <string_view>
+
+namespace {
+
+bool isSame(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+bool isSame(const iperf3_status& a, const iperf3_status& b) {
+  return std::string_view(a.date) == b.date && std::string_view(a.clientIp) == b.clientIp &&
+         std::string_view(a.serverIp) == b.serverIp && a.clientPort == b.clientPort &&
+         a.serverPort == b.serverPort && std::string_view(a.testTime) == b.testTime &&
+         std::string_view(a.reverse) == b.reverse && a.transferId == b.transferId &&
+         a.lengthSent == b.lengthSent && isSame(a.bpsSent, b.bpsSent) &&
+         a.lengthRcvd == b.lengthRcvd && isSame(a.bpsRcvd, b.bpsRcvd);
+}
+
+bool isSameRate(const Results& a, const Results& b) {
+  return a.writeRateValid == b.writeRateValid && a.writeRateBps == b.writeRateBps &&
+         a.readRateValid == b.readRateValid && a.readRateBps == b.readRateBps;
+}
+
+void requireOneCsvLine(bool reverse) {
+  if (endingOf([reverse] { exec_iperf3(reverse); }, {"stoi", "stoll"}).empty()) {
+    const std::string csv = readFile(
+        logFile(reverse ? "iperf3_latest_reverse_csv.log" : "iperf3_latest_forward_csv.log"));
+    require(std::count(csv.begin(), csv.end(), '\n') == 1 && csv.back() == '\n',
+            "a run leaves one line");
+  }
+}
+
+}  // namespace
+
+void readInput(const std::string& input) {
+  const std::string path = logFile("iperf3_latest.log");
+  writeFile(path, input);
+  iperf3_status status;
+  const std::string ending =
+      endingOf([&] { iperf3JsonToCsvUnix(path.c_str(), status); }, {"stoi", "stoll"});
+  const Results results = outputResults;
+  require(!(results.writeRateValid && results.readRateValid), "a report has one direction");
+
+  outputResults = {};
+  iperf3_status windows;
+  require(endingOf([&] { iperf3JsonToCsv(path.c_str(), windows); }, {"stoi", "stoll"}) == ending,
+          "both variants end alike");
+  require(isSame(status, windows) && isSameRate(results, outputResults),
+          "both variants find the same");
+
+  writeFile(logFile("iperf3_latest-R.log"), input);
+  requireOneCsvLine(false);
+  requireOneCsvLine(true);
+}
