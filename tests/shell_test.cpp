@@ -38,9 +38,9 @@ TEST_F(Shell, PrintsBetweenWhatStandsBeforeAndAfterTheCommand) {
   const std::string text = console([] {
     std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
     prepareStandardStreams();
-    std::printf("before\n");
+    std::fputs("before\n", stdout);
     runCommand();
-    std::printf("after\n");
+    std::fputs("after\n", stdout);
   });
 
   EXPECT_EQ(text, "before\ntool\nafter\n");

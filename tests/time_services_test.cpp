@@ -120,7 +120,8 @@ TEST_F(DateText, ShowsMonthDayAndTheYearsLastTwoDigits) {
                {1'798'761'600, "01/01/27"},
                {kNewYear2100, "01/01/00"},
                {kNewYear2100 - 1, "12/31/99"},
-               {-1, "12/31/69"}};
+               {-1, "12/31/69"},
+               {-3'783'974'400, "02/03/50"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     char text[] = "##########";

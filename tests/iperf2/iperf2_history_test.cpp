@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -189,6 +190,12 @@ TEST_F(Iperf2History, MovesUnderTheStampFromBeforeAndThenTakesTheCurrentOne) {
   EXPECT_THAT(fakeHost.commands, ElementsAre(moveCommand("20261116T054000")));
   EXPECT_EQ(stampDuringTheMove, "20261116T054500");
   EXPECT_STREQ(currentTimeStamp, "20261116T054500");
+}
+
+TEST_F(Iperf2History, PrintsItsMoveAfterIt) {
+  fakeHost.onCommand = [](const std::string&) { std::puts("(shell)"); };
+
+  EXPECT_EQ(report(repeated(kReport, 10)), "(shell)\n" + moveCommand(kStartStamp) + "\n");
 }
 
 TEST_F(Iperf2History, StaysWhenItsMoveFailsAndMovesLater) {

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -186,14 +187,17 @@ TEST_F(Iperf3History, MovesWholeHoweverLongItIs) {
 TEST_F(Iperf3History, CountsEveryLineAndShowsThoseThatAreReports) {
   ConfigurationParameters.debugPrintHistory = true;
   const std::string others[] = {
-      "\n",
-      "\r\n",
-      "no report\n",
+      "\n", "\r\n", "no report\n",
       ",,0,,0,0,,0,0,0,0\n",  // what a run without a measurement leaves
       "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000\n",
       "1605505183,192.168.1.20,port,192.168.1.10,5201,0,10,1180000000,943718400,0,0\n",
       "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,fast,0,0\n",
-      std::string(33, 'x') + ",192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,9,0,0\n"};
+      // A text of 33 characters.
+      "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,192.168.1.20,54012,192.168.1.10,5201,0,10,8,9,0,0\n",
+      "1605505183,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,54012,192.168.1.10,5201,0,10,8,9,0,0\n",
+      "1605505183,192.168.1.20,54012,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,5201,0,10,8,9,0,0\n",
+      "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,8,9,0,"
+      "0\n"};
   for (const std::string& other : others) {
     SCOPED_TRACE(other);
 
@@ -280,6 +284,15 @@ TEST_F(Iperf3History, OfBothDirectionsMovesUnderStampsThatFollowEachOther) {
   EXPECT_THAT(fakeHost.commands, ElementsAre(moveCommand("forward", "20261116T054000"),
                                              moveCommand("reverse", "20261116T054500")));
   EXPECT_STREQ(currentTimeStamp, "20261116T055000");
+}
+
+TEST_F(Iperf3History, PrintsItsMoveAfterIt) {
+  fakeHost.onCommand = [](const std::string&) { std::puts("(shell)"); };
+
+  EXPECT_EQ(reportForward(repeated(kForwardLine, 10)),
+            framed("", 10) + "(shell)\n" + moveCommand("forward", kStartStamp) + "\n");
+  EXPECT_EQ(reportReverse(repeated(kReverseLine, 10)),
+            "(shell)\n" + moveCommand("reverse", kStartStamp) + "\n");
 }
 
 TEST_F(Iperf3History, StaysWhenItsMoveFailsAndMovesLater) {

@@ -504,7 +504,10 @@ TEST_F(Iperf3Json, ReadsItsSumsUpToTheFirstClosingBrace) {
       {member("bytes", "8"), "8 0"},
       {"\n\n" + member("bits_per_second", "9") + "\n", "0 9"},
       {"", "0 0"},
-      // The first of repeated members counts.
+      // The first of repeated members counts, and a part of a name will do.
+      {member("max_bytes", "8,") + member("bytes", "1,") + member("max_bits_per_second", "9,") +
+           member("bits_per_second", "2,") + "}\n",
+       "8 9"},
       {member("bytes", "8,") + member("bytes", "1,") + member("bits_per_second", "9,") +
            member("bits_per_second", "2,") + "}\n",
        "8 9"}};
@@ -534,7 +537,7 @@ TEST_F(Iperf3Json, TakesByteCountsAsSignedNumbersOf64Bits) {
     const char* bytes;
     const char* length;
   } cases[] = {{"0", "0"},
-               {" +8x", "8"},
+               {" \t+8x", "8"},
                {"1.5e9", "1"},
                {"9223372036854775807", "9223372036854775807"},
                {"-1", "18446744073709551615"},

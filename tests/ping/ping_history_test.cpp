@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -118,13 +119,12 @@ TEST_F(PingHistory, MovesWithItsTenthLineAndStartsAfresh) {
 
 TEST_F(PingHistory, MovesWholeHoweverLongItIs) {
   fakeHost.runsCommands = true;
-  writeFile(historyPath(), repeated("x\n\n", 13));
+  writeFile(historyPath(), repeated("x\n", 25));
 
   EXPECT_EQ(writeOne(), moveCommand(kStartStamp) + "\n");
 
   EXPECT_FALSE(fileExists(historyPath()));
-  EXPECT_EQ(readFile(archiveFile("ping_history_20261116T054000.log")),
-            repeated("x\n\n", 13) + kLine);
+  EXPECT_EQ(readFile(archiveFile("ping_history_20261116T054000.log")), repeated("x\n", 25) + kLine);
 }
 
 TEST_F(PingHistory, MovesUnderTheStampFromBeforeAndThenTakesTheCurrentOne) {
@@ -161,6 +161,19 @@ TEST_F(PingHistory, StaysWhenItsMoveFailsAndMovesLater) {
   EXPECT_EQ(readFile(archiveFile("ping_history_20261117T000000.log")),
             repeated("x\n", 9) + kLine + kLine);
   EXPECT_EQ(readFile("nul"), "");
+}
+
+TEST_F(PingHistory, PrintsItsMoveAfterIt) {
+  writeFile(historyPath(), repeated("x\n", 9));
+  fakeHost.onCommand = [](const std::string&) { std::puts("(shell)"); };
+
+  EXPECT_EQ(writeOne(), "(shell)\n" + moveCommand(kStartStamp) + "\n");
+}
+
+TEST_F(PingHistory, CountsEmptyLines) {
+  writeFile(historyPath(), repeated("\n", 9));
+
+  EXPECT_EQ(writeOne(), moveCommand(kStartStamp) + "\n");
 }
 
 TEST_F(PingHistory, CountsALineThatAnEarlierWriteHasCut) {
