@@ -193,11 +193,10 @@ TEST_F(Iperf3History, CountsEveryLineAndShowsThoseThatAreReports) {
       "1605505183,192.168.1.20,port,192.168.1.10,5201,0,10,1180000000,943718400,0,0\n",
       "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,fast,0,0\n",
       // A text of 33 characters.
-      "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,192.168.1.20,54012,192.168.1.10,5201,0,10,8,9,0,0\n",
-      "1605505183,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,54012,192.168.1.10,5201,0,10,8,9,0,0\n",
-      "1605505183,192.168.1.20,54012,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,5201,0,10,8,9,0,0\n",
-      "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,8,9,0,"
-      "0\n"};
+      "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,192.168.1.20,54012,192.168.1.10,5201,0,10,8,9\n",
+      "1605505183,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,54012,192.168.1.10,5201,0,10,8,9\n",
+      "1605505183,192.168.1.20,54012,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,5201,0,10,8,9\n",
+      "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx,8,9\n"};
   for (const std::string& other : others) {
     SCOPED_TRACE(other);
 
