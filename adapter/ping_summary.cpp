@@ -70,7 +70,7 @@ std::string adaptLine(std::string line, ReplyTimes& times) {
   if (isSummary(line, kIputilsLabel, 4)) {
     line.replace(0, kIputilsLabel.size(), kRecognisedLabel);
   } else if (isSummary(line, kThreeNumbersLabel, 3)) {
-    line.insert(line.find(" ms"), "/" + standardDeviation(times));
+    line.insert(line.find(" ms"), std::string("/").append(standardDeviation(times)));
     line.replace(0, kThreeNumbersLabel.size(), kRecognisedLabel);
   }
   return line;
