@@ -4,11 +4,9 @@ source "$(dirname "$0")/library.sh"
 
 # Makes the driver the program, and the fake tool the iperf2 client that it finds.
 use_iperf2_driver() {
-  need bwrap
-  need /usr/bin/iperf
   ln -s "$IPERF2_DRIVER" /tmp/bin/iperf2_driver
-  tester=(bwrap --dev-bind / / --ro-bind "$tests/fake_tool" /usr/bin/iperf --
-    env PATH=/tmp/bin LD_PRELOAD="$FAKE_CLOCK" iperf2_driver)
+  cp "$tests/fake_tool" /tmp/bin/iperf
+  tester=(env PATH=/tmp/bin LD_PRELOAD="$FAKE_CLOCK" iperf2_driver)
 }
 
 # What the history report prints of the report line that the fake client gives.
