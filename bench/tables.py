@@ -3,7 +3,7 @@
 
 What is compared is measured side by side: whole runs take turns, round by round. Times are medians.
 
-Usage: bench/with_fake_tools FAKE_TOOL bench/tables.py BUILD_DIRECTORY
+Usage: behind bench/with_fake_tools: bench/tables.py BUILD_DIRECTORY
 """
 import json
 import os

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
@@ -379,21 +378,6 @@ TEST_F(PingAdapter, SaysThatThereIsNoPipeToRunThePing) {
   EXPECT_EQ(run({}, leaveOneDescriptor), "ping adapter: cannot run " +
                                              (directory / "system/ping").string() +
                                              ": Too many open files\nexit status 126");
-}
-
-TEST_F(PingAdapter, RunsNothingWhereItCannotTellItselfFromTheSystemsPing) {
-  fakePing("echo never");
-
-  // Without the capability to ping, with which bwrap does not start.
-  Process adapter({"/usr/bin/bwrap", "--dev-bind", "/", "/", "--tmpfs", "/proc", PING_ADAPTER},
-                  [] { prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0); });
-
-  // The sanitizers miss /proc, too, and say so first.
-  EXPECT_THAT(adapter.readErrors(),
-              testing::EndsWith("ping adapter: cannot tell which file it is itself from "
-                                "/proc/self/exe: No such file or directory\n"));
-  EXPECT_EQ(adapter.readOutput(), "");
-  EXPECT_EQ(adapter.end(), "exit status 126");
 }
 
 }  // namespace

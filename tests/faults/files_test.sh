@@ -3,16 +3,6 @@
 # working directory.
 source "$(dirname "$0")/library.sh"
 
-# Fills the small file system.
-fill_disk() {
-  cat /dev/zero >/tmp/disk/filler 2>/dev/null || true
-}
-
-run_an_hour_later() {
-  set_clock '2026-11-16 06:40:00'
-  run "${arguments[@]}"
-}
-
 LogDirectoryIsMissing() {
   rm -rf "$HOME/Library"
 
@@ -53,47 +43,6 @@ LatestCsvFilesAreUnwritable() {
   chmod a-w "$logs"/iperf3_latest_*_csv.log
 
   run_now
-
-  compare_with_healthy
-}
-
-LogDirectoryIsOnAFullFileSystemInAFirstRun() {
-  move_home /tmp/disk/home
-  mkdir -p "$logs/archive"
-  fill_disk
-
-  run_now
-
-  rm /tmp/disk/filler
-  compare_with_healthy
-}
-
-# A file system gives room by pages of 4096 characters; each history has room for 30 more.
-fill_disk_below_histories() {
-  move_home /tmp/disk/home
-  start_from 1
-  local history
-  for history in "${histories[@]}"; do
-    printf '%-4065s\n' 'a line' >"$(live_file "$history" "$logs")"
-  done
-  fill_disk
-}
-
-LogDirectoryIsOnAFullFileSystem() {
-  fill_disk_below_histories
-
-  run_now
-
-  rm /tmp/disk/filler
-  compare_with_healthy
-}
-
-LogDirectoryHasRoomAgain() {
-  fill_disk_below_histories
-  run_now
-  rm /tmp/disk/filler
-
-  run_an_hour_later
 
   compare_with_healthy
 }
@@ -178,13 +127,7 @@ ArchiveIsMissing() {
   expect_changes
 }
 
-# The archive is a link to another file system.
-link_archive() {
-  rmdir "$logs/archive"
-  ln -s /tmp/disk/archive "$logs/archive"
-}
-
-ArchiveIsALinkToNowhere() {
+ArchiveIsALinkToNowhere() { # --untraced
   start_from 9
   link_archive
 
@@ -193,7 +136,7 @@ ArchiveIsALinkToNowhere() {
   expect_changes
 }
 
-ArchiveComesBack() {
+ArchiveComesBack() { # --untraced
   start_from 9
   link_archive
   run_now
@@ -210,18 +153,6 @@ ArchiveIsUnwritable() {
 
   run_now
 
-  expect_changes
-}
-
-ArchiveIsOnAFullFileSystem() {
-  start_from 9
-  link_archive
-  mkdir /tmp/disk/archive
-  fill_disk
-
-  run_now
-
-  rm /tmp/disk/filler
   expect_changes
 }
 

@@ -6,7 +6,8 @@
 # with other measurements. The differences stand in expected/TEST.changes: "-" is how it should have
 # been, "+" how it became, and each line stands behind the name of its file.
 #
-# script/faults sets KILL_AT and FAULTS ("short" or "long") beside what CTest sets for the others.
+# CTest sets KILL_AT beside what it sets for the others. FAULTS=long tries more cuts, kills and pairs of
+# runs than usual.
 source "$(dirname "${BASH_SOURCE[0]}")/../program/library.sh"
 
 fault_tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -86,6 +87,11 @@ run_now() {
   run "${arguments[@]}"
 }
 
+run_an_hour_later() {
+  set_clock '2026-11-16 06:40:00'
+  run "${arguments[@]}"
+}
+
 # A run an hour before, whose tools measure something else.
 run_before() {
   rm -rf "$HOME" /tmp/work/* /tmp/fake/{earlier,now}
@@ -123,6 +129,12 @@ start_from() {
   cp -a /tmp/fake/before "$HOME"
 }
 
+# Makes the archive a link to a directory that is not there yet.
+link_archive() {
+  rmdir "$logs/archive"
+  ln -s /tmp/disk/archive "$logs/archive"
+}
+
 # Compares what the last run has shown and left with the healthy run.
 compare_with_healthy() {
   print_state >/tmp/fake/state
@@ -151,15 +163,16 @@ expect_earlier_lines() {
   done
 }
 
-# Chooses the first number for the short form, the second one for the long form.
+# Chooses the second number when FAULTS says so.
 short_or_long() {
-  if [[ $FAULTS == short ]]; then echo "$1"; else echo "$2"; fi
+  if [[ ${FAULTS-} == long ]]; then echo "$2"; else echo "$1"; fi
 }
 
-# Runs the test of a fault that script/faults names.
+# Runs the test of a fault.
 run_fault() {
   row=$1
   set_up
+  mkdir -p /tmp/disk
   # A short output, so that the differences are short.
   sed -i '1p; /^round-trip/p; d' /tmp/fake/ping.out
   start_from 1

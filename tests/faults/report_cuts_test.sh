@@ -56,13 +56,11 @@ ReverseReportsOfAllReleasesAtEveryLine() {
 }
 
 Iperf2ReportsAtEveryByte() {
-  need /usr/bin/iperf
   configure iperfTestTime=-1
   ln -s "$IPERF2_DRIVER" /tmp/bin/iperf2_driver
+  cp "$tests/fake_tool" /tmp/bin/iperf
 
-  bwrap --dev-bind / / --ro-bind "$tests/fake_tool" /usr/bin/iperf -- \
-    /usr/bin/python3 -B "$fault_tests/report_cuts.py" iperf byte "$(short_or_long 7 1)" \
-    "$recordings"/iperf2/*/*.csv
+  run_on_cuts iperf byte "$(short_or_long 7 1)" "$recordings"/iperf2/*/*.csv
 }
 
 run_test "$@"

@@ -113,7 +113,7 @@ run_b_at_each_tool_of_a() {
 run_b_in_mid_report() {
   local report=/tmp/fake/a/$1
   mv "$report.out" "$report.whole"
-  local half=$(($(stat --format %s "$report.whole") / 2))
+  local half=$(($(wc -c <"$report.whole") / 2))
   head -c "$half" "$report.whole" >"$report.out"
   tail -c "+$((half + 1))" "$report.whole" >"$report.rest"
   cat >"$report.end" <<END

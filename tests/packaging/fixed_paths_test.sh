@@ -23,7 +23,7 @@ expect_silent_success() {
 }
 
 expect_no_folder() {
-  [[ ! -e $installation ]] || fail "the folder is there: $(ls -A "$installation")"
+  [[ ! -e $installation ]] || fail "the folder is there: $(names_in "$installation")"
 }
 
 MakesALinkAndAConfiguration() {
@@ -49,7 +49,7 @@ MakesThemReadableForEverybody() {
 644 .made-by-connTester
 644 connTester.conf
 END
-  expect_file <(stat --format %a "$installation") <<<755
+  expect_file <(find "$installation" -maxdepth 0 -printf "%m\n") <<<755
 }
 
 MakesNothingTwice() {
@@ -128,7 +128,7 @@ LeavesAFolderThatWasThere() {
   run remove
 
   expect_silent_success
-  expect_file <(ls -A "$installation") </dev/null
+  expect_file <(names_in "$installation") </dev/null
 }
 
 LeavesAFolderThatHoldsMore() {
@@ -139,7 +139,7 @@ LeavesAFolderThatHoldsMore() {
   run remove
 
   expect_silent_success
-  expect_file <(ls -A "$installation") <<<mine
+  expect_file <(names_in "$installation") <<<mine
 }
 
 LeavesAnEditedConfiguration() {
@@ -152,7 +152,7 @@ LeavesAnEditedConfiguration() {
   expect_status 0
   expect_file /tmp/fake/errors \
     <<<"connTester: $installation/connTester.conf stays: it holds settings of yours"
-  expect_file <(ls -A "$installation") <<<connTester.conf
+  expect_file <(names_in "$installation") <<<connTester.conf
 }
 
 LeavesALinkThatWasChanged() {

@@ -40,7 +40,7 @@ expect_nothing_left() {
 ./share
 ./share/man
 END
-  [[ ! -e $installation ]] || fail "left: $(ls -A "$installation")"
+  [[ ! -e $installation ]] || fail "left: $(names_in "$installation")"
 }
 
 PutsItsFilesUnderThePrefix() {
@@ -49,7 +49,7 @@ PutsItsFilesUnderThePrefix() {
   install_tester
 
   expect_file <(list_files "$prefix") <<<"$files"
-  expect_file <(ls -A "$installation") <<<$'.made-by-connTester\nconnTester.conf\niperf3'
+  expect_file <(names_in "$installation") <<<$'.made-by-connTester\nconnTester.conf\niperf3'
 }
 
 PutsAllOfThemBehindDestdir() {

@@ -41,6 +41,11 @@ provide() {
   done
 }
 
+# Prints the names in a folder, as `ls -A` does, whose system call not every proot knows.
+names_in() {
+  find "$1" -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort
+}
+
 # Prints the events of the program, without those of the ping that is tried before it.
 program_events() {
   grep '^connTester' /tmp/fake/events || true

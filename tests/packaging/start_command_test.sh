@@ -8,7 +8,7 @@ expect_refused() {
   expect_file /tmp/fake/errors <<<"connTester: $1"
   expect_file /tmp/fake/console </dev/null
   expect_file /tmp/fake/events </dev/null
-  [[ -z $(ls -A /tmp/home) ]] || fail "files were made: $(find /tmp/home)"
+  [[ -z $(names_in /tmp/home) ]] || fail "files were made: $(find /tmp/home)"
 }
 
 PassesAddressOutputAndExitStatusThrough() {

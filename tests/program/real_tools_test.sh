@@ -84,8 +84,8 @@ MeasureLatencyAndBothRates() {
 
 MeasureTheWriteRateWithIperf2() {
   need iperf
-  need /usr/bin/iperf
   ln -s "$IPERF2_DRIVER" /tmp/bin/iperf2_driver
+  ln -s "$(command -v iperf)" /tmp/bin/iperf
   use_real_tools iperf2_driver
   configure iperfTestTime=1 debugPrintLast=true
   start_server 5001 iperf --server
