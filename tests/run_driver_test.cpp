@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -572,8 +571,7 @@ TEST_F(Address, IsTheLastOfOneOrTwoArguments) {
 /// Runs the tester in a process of a death test: its output goes behind what it prints on standard
 /// error, the shell is the real one, and nothing catches what it throws.
 void runAlone(const std::vector<std::string>& arguments) noexcept {
-  dup2(STDERR_FILENO, STDOUT_FILENO);
-  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
+  printOnStandardError();
   fakeHost.runsCommands = true;
   run(arguments);
 }

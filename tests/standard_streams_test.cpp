@@ -1,5 +1,7 @@
 #include "standard_streams.h"
 
+#include "support/run_fixture.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -51,8 +53,7 @@ int nextDescriptor() {
 }
 
 [[noreturn]] void printAndDie() {
-  dup2(STDERR_FILENO, STDOUT_FILENO);
-  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
+  printOnStandardError();
 
   prepareStandardStreams();
 

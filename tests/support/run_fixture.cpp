@@ -4,11 +4,13 @@
 #include "text_buffer.h"
 #include "time_services.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -107,4 +109,9 @@ std::string repeated(const std::string& text, int count) {
     all += text;
   }
   return all;
+}
+
+void printOnStandardError() {
+  ASSERT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
+  dup2(STDERR_FILENO, STDOUT_FILENO);
 }
