@@ -11,7 +11,6 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <simdjson.h>
-#include <string_view>
 
 namespace {
 
@@ -35,11 +34,9 @@ iperf3_status membersOf(const json& report) {
   const json& connection = start.at("connected").at(0);
   const json& test = start.at("test_start");
   iperf3_status status;
-  formatInto(status.clientIp, "%s",
-             connection.at("local_host").get_ref<const std::string&>().c_str());
+  copyInto(status.clientIp, connection.at("local_host").get_ref<const std::string&>());
   status.clientPort = connection.at("local_port").get<int>();
-  formatInto(status.serverIp, "%s",
-             connection.at("remote_host").get_ref<const std::string&>().c_str());
+  copyInto(status.serverIp, connection.at("remote_host").get_ref<const std::string&>());
   status.serverPort = connection.at("remote_port").get<int>();
   formatInto(status.date, "%d", start.at("timestamp").at("timesecs").get<int>());
   formatInto(status.testTime, "%d", test.at("duration").get<int>());
@@ -66,11 +63,6 @@ iperf3_status readWithNlohmannFilter(const std::string& path) {
 }
 
 template <std::size_t N>
-void takeText(char (&field)[N], std::string_view text) {
-  formatInto(field, "%.*s", static_cast<int>(text.size()), text.data());
-}
-
-template <std::size_t N>
 void takeNumber(char (&field)[N], std::int64_t number) {
   formatInto(field, "%" PRId64, number);
 }
@@ -87,9 +79,9 @@ iperf3_status readWithSimdjson(const std::string& path) {
   simdjson::ondemand::object start = report["start"];
   iperf3_status status;
   for (simdjson::ondemand::object connection : start["connected"]) {
-    takeText(status.clientIp, connection["local_host"]);
+    copyInto(status.clientIp, connection["local_host"]);
     status.clientPort = static_cast<int>(connection["local_port"].get_int64());
-    takeText(status.serverIp, connection["remote_host"]);
+    copyInto(status.serverIp, connection["remote_host"]);
     status.serverPort = static_cast<int>(connection["remote_port"].get_int64());
   }
   takeNumber(status.date, start["timestamp"]["timesecs"]);

@@ -3,10 +3,10 @@
 // Usage: readers_bench [OPTION OF GOOGLE BENCHMARK...] DIRECTORY
 #include "readers.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -14,11 +14,12 @@
 namespace {
 
 bool isSame(const iperf3_status& a, const iperf3_status& b) {
-  return std::strcmp(a.date, b.date) == 0 && std::strcmp(a.clientIp, b.clientIp) == 0 &&
-         std::strcmp(a.serverIp, b.serverIp) == 0 && a.clientPort == b.clientPort &&
-         a.serverPort == b.serverPort && std::strcmp(a.testTime, b.testTime) == 0 &&
-         std::strcmp(a.reverse, b.reverse) == 0 && a.lengthSent == b.lengthSent &&
-         a.bpsSent == b.bpsSent && a.lengthRcvd == b.lengthRcvd && a.bpsRcvd == b.bpsRcvd;
+  using std::ranges::equal;
+  return equal(a.date, b.date) && equal(a.clientIp, b.clientIp) && equal(a.serverIp, b.serverIp) &&
+         a.clientPort == b.clientPort && a.serverPort == b.serverPort &&
+         equal(a.testTime, b.testTime) && equal(a.reverse, b.reverse) &&
+         a.lengthSent == b.lengthSent && a.bpsSent == b.bpsSent && a.lengthRcvd == b.lengthRcvd &&
+         a.bpsRcvd == b.bpsRcvd;
 }
 
 /// Ends the process unless all readers find the same in the report.

@@ -7,14 +7,15 @@
 /// a second longer than `iperfTestTime`.
 void runIperfClient();
 
-/// Prints the seven lines that the print of each iperf record starts with.
+/// Prints the seven lines that the print of each iperf record starts with. A text may fill its 32
+/// characters without a terminator.
 template <typename Status>
 void printConnection(const Status& status) {
-  std::printf("date %s\n", status.date);
-  std::printf("client ip %s\n", status.clientIp);
-  std::printf("server ip %s\n", status.serverIp);
+  std::printf("date %.32s\n", status.date);
+  std::printf("client ip %.32s\n", status.clientIp);
+  std::printf("server ip %.32s\n", status.serverIp);
   std::printf("client tcp port %d\n", status.clientPort);
   std::printf("server tcp port %d\n", status.serverPort);
   std::printf("transfer ID %d\n", status.transferId);
-  std::printf("test time %s\n", status.testTime);
+  std::printf("test time %.32s\n", status.testTime);
 }

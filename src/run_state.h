@@ -16,7 +16,7 @@ inline constexpr std::size_t kLineCapacity = 128;
 /// Characters of a buffer for a date-time stamp (15 are used) or a tool's name.
 inline constexpr std::size_t kStampCapacity = 32;
 
-/// Longest text that a field of an iperf record holds, without its terminator.
+/// Longest text of an iperf record, without a terminator.
 inline constexpr std::size_t kTextWidth = 32;
 
 /// Lines at which a history moves to the archive, so that an archived file holds ten runs.

@@ -1,9 +1,11 @@
-// Bounded printf-style formatting into fixed character buffers.
+// Bounded writing into fixed character buffers.
 #pragma once
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
+#include <string_view>
 
 /// Formats into `dst` by printf rules and cuts what does not fit. Returns the uncut length.
 template <std::size_t N>
@@ -26,4 +28,12 @@ template <std::size_t N>
   if (length >= static_cast<int>(N)) {
     dst[N - 2] = '\n';
   }
+}
+
+/// Copies `text` into a field that is full without a terminator: cuts what does not fit, and fills
+/// what is left with zeros.
+template <std::size_t N>
+void copyInto(char (&dst)[N], std::string_view text) {
+  const std::size_t length = text.copy(dst, N);
+  std::fill(dst + length, dst + N, '\0');
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -65,6 +66,37 @@ TEST(FormatLineInto, EndsACutLineInItsNewline) {
     EXPECT_STREQ(text.buffer, "abc123\n");
     EXPECT_EQ(text.guard, '#');
   }
+}
+
+/// All characters of the buffer and the one behind it.
+std::string_view whole(const Guarded& text) {
+  return {text.buffer, sizeof(text.buffer) + sizeof(text.guard)};
+}
+
+TEST(CopyInto, FillsWhatIsLeftWithZeros) {
+  Guarded text;
+
+  copyInto(text.buffer, "abc");
+  EXPECT_EQ(whole(text), std::string_view("abc\0\0\0\0\0#", 9));
+
+  copyInto(text.buffer, "");
+  EXPECT_EQ(whole(text), std::string_view("\0\0\0\0\0\0\0\0#", 9));
+}
+
+TEST(CopyInto, LeavesNoTerminatorInAFullField) {
+  Guarded text;
+
+  copyInto(text.buffer, "abc12345");
+
+  EXPECT_EQ(whole(text), "abc12345#");
+}
+
+TEST(CopyInto, CutsWhatDoesNotFit) {
+  Guarded text;
+
+  copyInto(text.buffer, "abc123456");
+
+  EXPECT_EQ(whole(text), "abc12345#");
 }
 
 }  // namespace

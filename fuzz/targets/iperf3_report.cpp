@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <string_view>
 
 namespace {
 
@@ -16,12 +15,13 @@ bool isSame(double a, double b) {
 }
 
 bool isSame(const iperf3_status& a, const iperf3_status& b) {
-  return std::string_view(a.date) == b.date && std::string_view(a.clientIp) == b.clientIp &&
-         std::string_view(a.serverIp) == b.serverIp && a.clientPort == b.clientPort &&
-         a.serverPort == b.serverPort && std::string_view(a.testTime) == b.testTime &&
-         std::string_view(a.reverse) == b.reverse && a.transferId == b.transferId &&
-         a.lengthSent == b.lengthSent && isSame(a.bpsSent, b.bpsSent) &&
-         a.lengthRcvd == b.lengthRcvd && isSame(a.bpsRcvd, b.bpsRcvd);
+  using std::ranges::equal;
+  return equal(a.date, b.date) && equal(a.clientIp, b.clientIp) && equal(a.serverIp, b.serverIp) &&
+         a.clientPort == b.clientPort && a.serverPort == b.serverPort &&
+         equal(a.testTime, b.testTime) && equal(a.reverse, b.reverse) &&
+         a.transferId == b.transferId && a.lengthSent == b.lengthSent &&
+         isSame(a.bpsSent, b.bpsSent) && a.lengthRcvd == b.lengthRcvd &&
+         isSame(a.bpsRcvd, b.bpsRcvd);
 }
 
 bool isSameRate(const Results& a, const Results& b) {

@@ -24,9 +24,20 @@ constexpr char kReverseScan[] = "%32[^,],%32[^,],%d,%32[^,],%d,%d,%32[^,],%llu,%
 
 /// Scans the first nine columns of `line` and returns whether all were there.
 bool scanLine(const std::string& line, bool reverse, iperf3_status& status) {
-  return std::sscanf(line.c_str(), reverse ? kReverseScan : kForwardScan, status.date,
-                     status.clientIp, &status.clientPort, status.serverIp, &status.serverPort,
-                     &status.transferId, status.testTime, &status.lengthSent, &status.bpsSent) == 9;
+  // The scan ends each text in a terminator, for which a full field of the record has no room.
+  char date[kTextWidth + 1] = {};
+  char clientIp[kTextWidth + 1] = {};
+  char serverIp[kTextWidth + 1] = {};
+  char testTime[kTextWidth + 1] = {};
+  const int columns =
+      std::sscanf(line.c_str(), reverse ? kReverseScan : kForwardScan, date, clientIp,
+                  &status.clientPort, serverIp, &status.serverPort, &status.transferId, testTime,
+                  &status.lengthSent, &status.bpsSent);
+  copyInto(status.date, date);
+  copyInto(status.clientIp, clientIp);
+  copyInto(status.serverIp, serverIp);
+  copyInto(status.testTime, testTime);
+  return columns == 9;
 }
 
 void printLine(unsigned number, bool reverse, const iperf3_status& status) {

@@ -23,9 +23,9 @@ constexpr std::size_t kTab = 1;
 constexpr std::size_t kTabAndQuote = 2;
 constexpr std::size_t kQuoteColonTab = 3;
 
-template <char (iperf3_status::*Field)[kTextWidth + 1]>
+template <char (iperf3_status::*Field)[kTextWidth]>
 void storeText(iperf3_status& status, const std::string& value) {
-  formatInto(status.*Field, "%s", value.c_str());
+  copyInto(status.*Field, value);
 }
 
 template <std::int32_t iperf3_status::*Field>

@@ -27,7 +27,7 @@ constexpr char kSummaryHeading[] = "\n= IPERF3 summary  ========================
 
 constexpr char kForwardCsv[] = "%siperf3_latest_forward_csv.log";
 constexpr char kReverseCsv[] = "%siperf3_latest_reverse_csv.log";
-constexpr char kCsvLine[] = "%s,%s,%d,%s,%d,%d,%s,%llu,%.0f,%llu,%.0f\n";
+constexpr char kCsvLine[] = "%.32s,%.32s,%d,%.32s,%d,%d,%.32s,%llu,%.0f,%llu,%.0f\n";
 
 /// Characters of the CSV line at most, its newline and terminator included.
 constexpr std::size_t kCsvCapacity = 1024;

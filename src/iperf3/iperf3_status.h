@@ -5,19 +5,20 @@
 
 #include <cstdint>
 
+/// Required: a text that fills its field has no terminator.
 struct iperf3_status {
-  char date[kTextWidth + 1] = {};  // test start, seconds since the epoch
-  char clientIp[kTextWidth + 1] = {};
-  char serverIp[kTextWidth + 1] = {};
+  char date[kTextWidth] = {};  // test start, seconds since the epoch
+  char clientIp[kTextWidth] = {};
+  char serverIp[kTextWidth] = {};
   std::int32_t clientPort = 0;
   std::int32_t serverPort = 0;
-  char testTime[kTextWidth + 1] = {};  // seconds
-  char reverse[kTextWidth + 1] = {};   // "0" client to server, "1" server to client
-  std::int32_t transferId = 0;         // Required: never filled
-  unsigned long long lengthSent = 0;   // bytes
-  double bpsSent = 0.0;                // bits per second, in single precision
-  unsigned long long lengthRcvd = 0;   // bytes
-  double bpsRcvd = 0.0;                // bits per second, in single precision
+  char testTime[kTextWidth] = {};     // seconds
+  char reverse[kTextWidth] = {};      // "0" client to server, "1" server to client
+  std::int32_t transferId = 0;        // Required: never filled
+  unsigned long long lengthSent = 0;  // bytes
+  double bpsSent = 0.0;               // bits per second, in single precision
+  unsigned long long lengthRcvd = 0;  // bytes
+  double bpsRcvd = 0.0;               // bits per second, in single precision
 };
 
 /// Prints all fields, one a line.

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
@@ -21,7 +22,10 @@ using Extractor = void (*)(const char* path, iperf3_status& status);
 
 constexpr char kReportPath[] = "report.json";
 
-std::string orDash(const std::string& text) {
+/// The text of a field, which a full one holds without a terminator; "-" for an empty one.
+template <std::size_t N>
+std::string fieldText(const char (&field)[N]) {
+  const std::string text(field, strnlen(field, N));
   return text.empty() ? "-" : text;
 }
 
@@ -33,10 +37,10 @@ std::string exact(double value) {
 
 /// The twelve fields in their order, "-" for an empty text.
 std::string recordText(const iperf3_status& status) {
-  return orDash(status.date) + " " + orDash(status.clientIp) + " " +
-         std::to_string(status.clientPort) + " " + orDash(status.serverIp) + " " +
-         std::to_string(status.serverPort) + " " + orDash(status.testTime) + " " +
-         orDash(status.reverse) + " " + std::to_string(status.transferId) + " " +
+  return fieldText(status.date) + " " + fieldText(status.clientIp) + " " +
+         std::to_string(status.clientPort) + " " + fieldText(status.serverIp) + " " +
+         std::to_string(status.serverPort) + " " + fieldText(status.testTime) + " " +
+         fieldText(status.reverse) + " " + std::to_string(status.transferId) + " " +
          std::to_string(status.lengthSent) + " " + exact(status.bpsSent) + " " +
          std::to_string(status.lengthRcvd) + " " + exact(status.bpsRcvd);
 }

@@ -12,6 +12,33 @@ namespace {
 
 class Iperf3Status : public RunFixture {};
 
+TEST_F(Iperf3Status, HasItsFieldsInTheirOrder) {
+  const iperf3_status status;
+  const auto& [date, clientIp, serverIp, clientPort, serverPort, testTime, reverse, transferId,
+               lengthSent, bpsSent, lengthRcvd, bpsRcvd] = status;
+
+  EXPECT_EQ(&date, &status.date);
+  EXPECT_EQ(&clientIp, &status.clientIp);
+  EXPECT_EQ(&serverIp, &status.serverIp);
+  EXPECT_EQ(&clientPort, &status.clientPort);
+  EXPECT_EQ(&serverPort, &status.serverPort);
+  EXPECT_EQ(&testTime, &status.testTime);
+  EXPECT_EQ(&reverse, &status.reverse);
+  EXPECT_EQ(&transferId, &status.transferId);
+  EXPECT_EQ(&lengthSent, &status.lengthSent);
+  EXPECT_EQ(&bpsSent, &status.bpsSent);
+  EXPECT_EQ(&lengthRcvd, &status.lengthRcvd);
+  EXPECT_EQ(&bpsRcvd, &status.bpsRcvd);
+}
+
+TEST_F(Iperf3Status, HasTextsOf32Characters) {
+  EXPECT_EQ(sizeof(iperf3_status::date), 32U);
+  EXPECT_EQ(sizeof(iperf3_status::clientIp), 32U);
+  EXPECT_EQ(sizeof(iperf3_status::serverIp), 32U);
+  EXPECT_EQ(sizeof(iperf3_status::testTime), 32U);
+  EXPECT_EQ(sizeof(iperf3_status::reverse), 32U);
+}
+
 TEST_F(Iperf3Status, PrintsItsTwelveFields) {
   iperf3_status status;
   formatInto(status.date, "1605505183");
@@ -60,13 +87,14 @@ TEST_F(Iperf3Status, StartsEmpty) {
 
 TEST_F(Iperf3Status, PrintsTextsOf32CharactersAndRatesThatAreNoNumber) {
   iperf3_status status;
-  formatInto(status.date, "%s", std::string(32, 'd').c_str());
-  formatInto(status.clientIp, "%s", std::string(32, 'c').c_str());
-  formatInto(status.serverIp, "%s", std::string(32, 's').c_str());
+  copyInto(status.date, std::string(32, 'd'));
+  copyInto(status.clientIp, std::string(32, 'c'));
+  copyInto(status.serverIp, std::string(32, 's'));
   status.clientPort = -1;
   status.serverPort = -2;
-  formatInto(status.testTime, "%s", std::string(32, 't').c_str());
-  formatInto(status.reverse, "%s", std::string(32, 'r').c_str());
+  copyInto(status.testTime, std::string(32, 't'));
+  copyInto(status.reverse, std::string(32, 'r'));
+  status.transferId = -3;
   status.bpsSent = std::numeric_limits<double>::quiet_NaN();
   status.bpsRcvd = -std::numeric_limits<double>::infinity();
 
@@ -76,7 +104,7 @@ TEST_F(Iperf3Status, PrintsTextsOf32CharactersAndRatesThatAreNoNumber) {
             "server ip ssssssssssssssssssssssssssssssss\n"
             "client tcp port -1\n"
             "server tcp port -2\n"
-            "transfer ID 0\n"
+            "transfer ID -3\n"
             "test time tttttttttttttttttttttttttttttttt\n"
             "reverse rrrrrrrrrrrrrrrrrrrrrrrrrrrrrrrr\n"
             "length sent 0 \n"
