@@ -13,6 +13,7 @@
 #include "text_buffer.h"
 #include "time_services.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -49,11 +50,13 @@ void takeArguments(int argc, char** argv) {
   }
   // Required: the last of one or two arguments; the first of two is ignored.
   const char* const address = argv[argc - 1];
-  if (const std::size_t length = std::strlen(address); length > kMaxAddressLength) {
+  const std::size_t length = std::strlen(address);
+  if (length > kMaxAddressLength) {
     std::fprintf(stderr, kAddressTooLong, length, kMaxAddressLength);
     std::exit(kUsageStatus);
   }
-  formatInto(ipaddr, "%s", address);
+  // Required: no terminator is written, `ipaddr` starts out all zero.
+  std::copy_n(address, length, ipaddr);
 }
 
 void buildLogPaths() {

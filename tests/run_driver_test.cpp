@@ -559,13 +559,22 @@ TEST_F(Address, IsTheLastOfOneOrTwoArguments) {
   configure("doPingTests=false\ndoIperf3Tests=false\n");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.banner);
-    formatInto(ipaddr, "%s", "");
+    copyInto(ipaddr, "");
 
     EXPECT_EQ(console([&] { EXPECT_EQ(run(c.arguments), 0); }), c.banner);
 
     EXPECT_STREQ(ipaddr, c.address);
     EXPECT_EQ(arg_count, static_cast<int>(c.arguments.size()));
   }
+}
+
+TEST_F(Address, IsCopiedByItsOwnLengthWithoutATerminator) {
+  configure("doPingTests=false\ndoIperf3Tests=false\n");
+  copyInto(ipaddr, "192.168.1.10");
+
+  console([] { run({"connTester", "10.0."}); });
+
+  EXPECT_EQ(std::string(ipaddr, sizeof(ipaddr)), std::string("10.0.68.1.10\0\0\0\0", 16));
 }
 
 /// Runs the tester in a process of a death test: its output goes behind what it prints on standard
