@@ -29,7 +29,7 @@ constexpr char kCreateDirectories[] = "mkdir -p %s\n";
 constexpr int kUsageStatus = 2;
 constexpr char kAddressTooLong[] =
     "connTester: the server address has %zu characters, the limit is %zu: give an IPv4 address "
-    "(usage: connTester [ADDRESS])\n";
+    "or a shorter name (usage: connTester [ADDRESS])\n";
 constexpr char kHomeTooLong[] =
     "connTester: HOME has %zu characters, the limit is %zu: set HOME to a shorter path\n";
 

@@ -590,10 +590,10 @@ class RefusedRun : public RunFixture {};
 TEST_F(RefusedRun, CreatesAndPrintsNothingForAnAddressOfSixteenCharacters) {
   EXPECT_EXIT(runAlone({"connTester", "255.255.255.2555"}), ExitedWithCode(2),
               Eq("connTester: the server address has 16 characters, the limit is 15: give an IPv4 "
-                 "address (usage: connTester [ADDRESS])\n"));
+                 "address or a shorter name (usage: connTester [ADDRESS])\n"));
   EXPECT_EXIT(runAlone({"connTester", "x", std::string(1000, 'x')}), ExitedWithCode(2),
               Eq("connTester: the server address has 1000 characters, the limit is 15: give an "
-                 "IPv4 address (usage: connTester [ADDRESS])\n"));
+                 "IPv4 address or a shorter name (usage: connTester [ADDRESS])\n"));
 
   EXPECT_FALSE(fileExists("Library"));
 }

@@ -95,7 +95,7 @@ LeavesTheLengthOfTheAddressToTheProgram() {
   expect_status 2
   expect_file /tmp/fake/console </dev/null
   expect_file /tmp/fake/errors <<<'connTester: the server address has 16 characters, the limit is'\
-' 15: give an IPv4 address (usage: connTester [ADDRESS])'
+' 15: give an IPv4 address or a shorter name (usage: connTester [ADDRESS])'
 }
 
 RefusesASecondArgument() {
