@@ -33,12 +33,16 @@ constexpr char kAddressTooLong[] =
 constexpr char kHomeTooLong[] =
     "connTester: HOME has %zu characters, the limit is %zu: set HOME to a shorter path\n";
 
-/// The file name that makes the longest path.
+/// The longest command line, without LOG_PATH, which it holds twice; and the longest file name.
+constexpr char kLongestCommand[] =
+    "mv  connection_test_results_history.log "
+    "archive/connection_test_results_history_YYYYMMDDTHHMMSS.log\n";
 constexpr char kLongestFileName[] = "connection_test_results_history.log";
 
-/// Longest HOME with which every path fits its buffer.
-constexpr std::size_t kMaxHomeLength =
-    kPathCapacity - sizeof(kLogDirectory) - sizeof(kLongestFileName) + 1;
+/// Longest LOG_PATH with which every command line fits `cmd`, and every path its buffer.
+constexpr std::size_t kMaxLogPathLength = (sizeof(cmd) - sizeof(kLongestCommand)) / 2;
+static_assert(kMaxLogPathLength + sizeof(kLongestFileName) <= kPathCapacity);
+constexpr std::size_t kMaxHomeLength = kMaxLogPathLength - (sizeof(kLogDirectory) - 1);
 
 constexpr std::size_t kMaxAddressLength = sizeof(ipaddr) - 1;
 

@@ -8,7 +8,7 @@
 #include <string>
 
 /// Characters that a file path takes at most, its terminator included.
-inline constexpr std::size_t kPathCapacity = 128;
+inline constexpr std::size_t kPathCapacity = 256;
 
 /// Characters that a line of a history takes at most, its newline and terminator included.
 inline constexpr std::size_t kLineCapacity = 128;
@@ -62,8 +62,8 @@ static_assert(sizeof(unsigned long long) == sizeof(std::uint64_t));
 inline Results outputResults;
 
 /// The log directory and its archive; both end in "/", so that a file name follows directly.
-inline char LOG_PATH[256];
-inline char LOG_PATH_ARCHIVE[256];
+inline char LOG_PATH[kPathCapacity];
+inline char LOG_PATH_ARCHIVE[kPathCapacity];
 
 /// The run's stamp; every archive move refreshes it after it has named the archived file.
 inline char currentTimeStamp[kStampCapacity];
@@ -76,8 +76,8 @@ inline char cmd[512];
 /// The test server's address, as given; empty without one.
 inline char ipaddr[16];
 
-/// Path of the file that the iperf3 step has in hand.
-inline char filepath[kPathCapacity];
+/// Path of the file that the iperf3 step has in hand, or the start of a longer one.
+inline char filepath[128];
 
 inline const char* myName = "";
 inline std::int32_t arg_count = 0;

@@ -331,13 +331,13 @@ TEST_F(TenthRun, LeavesTenLinesOfEachKindInTheArchive) {
   EXPECT_EQ(readFile("nul"), "");
 }
 
-/// The longest texts that a run takes: HOME of 70 characters, an address of 15, numbers of 11.
+/// The longest texts that a run takes: HOME of 183 characters, an address of 15, numbers of 11.
 class LongestRun : public Run {
  protected:
   void SetUp() override {
     Run::SetUp();
     home_ = std::filesystem::current_path().string() + "/";
-    home_.resize(70, 'h');
+    home_.resize(183, 'h');
     leaveNineLines(home_);
     writeFile(logFile("iperf2_history.log"), repeated("1,2,3,4,5,6,7,8,9\n", 10));
     ConfigurationParameters.doIperf2Tests = true;
@@ -371,7 +371,9 @@ TEST_F(LongestRun, CutsNoCommandAndNoPath) {
   EXPECT_THAT(sleepsMs(), ElementsAre(1000, 1000, 1000));
   EXPECT_EQ(LOG_PATH, home_ + "/Library/Logs/Qelmora/");
   EXPECT_EQ(LOG_PATH_ARCHIVE, home_ + "/Library/Logs/Qelmora/archive/");
-  EXPECT_EQ(logFile("connection_test_results_history.log").size(), kPathCapacity - 1);
+  // A character more in HOME makes this one two characters longer than `cmd` holds.
+  EXPECT_EQ(cmd, resultsMoveCommand("20261116T054035"));
+  EXPECT_EQ(fakeHost.commands.back().size(), sizeof(cmd) - 2);
 }
 
 TEST_F(LongestRun, ReachesAllItsFiles) {
@@ -598,17 +600,17 @@ TEST_F(RefusedRun, CreatesAndPrintsNothingForAnAddressOfSixteenCharacters) {
   EXPECT_FALSE(fileExists("Library"));
 }
 
-TEST_F(RefusedRun, CreatesNothingForAHomeOfSeventyOneCharacters) {
+TEST_F(RefusedRun, CreatesNothingForAHomeOf184Characters) {
   configure("outputFormat=4\n");
   std::string home = std::filesystem::current_path().string() + "/";
-  home.resize(71, 'h');
+  home.resize(184, 'h');
   setenv("HOME", home.c_str(), 1);
 
   EXPECT_EXIT(runAlone({"connTester", "10.0.0.5"}), ExitedWithCode(2),
               Eq(std::string(kBanner) +
                  "outputFormat out of range (1-3). Set to 1.\n"
-                 "connTester: HOME has 71 characters, the limit is 70: set HOME to a shorter "
-                 "path\n"));
+                 "connTester: HOME has 184 characters, the limit is 183: set HOME to a "
+                 "shorter path\n"));
 
   EXPECT_FALSE(fileExists(home));
 }

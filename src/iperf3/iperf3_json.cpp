@@ -18,6 +18,9 @@ namespace {
 
 constexpr char kHeading[] = "\n= IPERF3 history  ====================================\n";
 
+/// Characters of a path that the Windows variant takes, its terminator included.
+constexpr std::size_t kCopyCapacity = 128;
+
 // What stands between a member's name and its value, as a number of characters.
 constexpr std::size_t kTab = 1;
 constexpr std::size_t kTabAndQuote = 2;
@@ -146,7 +149,7 @@ void iperf3JsonToCsvUnix(const char* path, iperf3_status& status) {
 }
 
 void iperf3JsonToCsv(const char* path, iperf3_status& status) {
-  char copy[kPathCapacity];
+  char copy[kCopyCapacity];
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"

@@ -15,6 +15,7 @@
 /// too large. Sets the floating-point precision of std::cout to 0.
 void iperf3JsonToCsvUnix(const char* path, iperf3_status& status);
 
-/// The Windows variant: takes `path` as a printf format without arguments, prints only when
-/// `debugConfFile` and `debugPrintHistory` are set, and stamps `dateTime` of `outputResults`.
+/// The Windows variant: takes `path` as a printf format without arguments, of whose text it opens
+/// the first 127 characters, prints only when `debugConfFile` and `debugPrintHistory` are set, and
+/// stamps `dateTime` of `outputResults`.
 void iperf3JsonToCsv(const char* path, iperf3_status& status);

@@ -46,10 +46,12 @@ void runClient(bool reverse) {
 }
 
 iperf3_status readLatestReport(bool reverse) {
-  formatInto(filepath, reverse ? kReverseReport : kForwardReport, LOG_PATH);
-  std::printf(kReportTrace, filepath);
+  char path[kPathCapacity];
+  formatInto(path, reverse ? kReverseReport : kForwardReport, LOG_PATH);
+  formatInto(filepath, "%s", path);
+  std::printf(kReportTrace, path);
   iperf3_status status;
-  iperf3JsonToCsvUnix(filepath, status);
+  iperf3JsonToCsvUnix(path, status);
   if (ConfigurationParameters.debugConfFile) {
     std::fputs(kSummaryHeading, stdout);
     printIperf3Status(status);
@@ -58,12 +60,14 @@ iperf3_status readLatestReport(bool reverse) {
 }
 
 void writeLatestCsv(bool reverse, const iperf3_status& status) {
-  formatInto(filepath, reverse ? kReverseCsv : kForwardCsv, LOG_PATH);
+  char path[kPathCapacity];
+  formatInto(path, reverse ? kReverseCsv : kForwardCsv, LOG_PATH);
+  formatInto(filepath, "%s", path);
   char line[kCsvCapacity];
   formatLineInto(line, kCsvLine, status.date, status.clientIp, status.clientPort, status.serverIp,
                  status.serverPort, status.transferId, status.testTime, status.lengthSent,
                  status.bpsSent, status.lengthRcvd, status.bpsRcvd);
-  std::ofstream(filepath) << line;
+  std::ofstream(path) << line;
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ HomeIsUnset() {
 }
 
 HomeIsTooLong() {
-  HOME=/tmp/home/$(printf '%071d' 0) run_now
+  HOME=/tmp/home/$(printf '%0174d' 0) run_now
 
   expect_changes
 }

@@ -182,6 +182,14 @@ TEST_F(Iperf2Latest, SetsTheWriteRateAndTheMomentOfTheParse) {
   EXPECT_EQ(resultsText(), "date 20261116T054115, latency (0), write 943718400, read (0)");
 }
 
+TEST_F(Iperf2Latest, IsFoundUnderTheLongestPath) {
+  useLongestLogDirectory();
+
+  read(kReport);
+
+  EXPECT_EQ(resultsText(), "date 20261116T054000, latency (0), write 943718400, read (0)");
+}
+
 TEST_F(Iperf2Latest, LeavesTheLatencyAndTheReadRateAlone) {
   outputResults = {"20201231T235959", true, 77, true, 78, true, 79};
 

@@ -184,6 +184,17 @@ TEST_F(Iperf3History, MovesWholeHoweverLongItIs) {
             repeated(kForwardLine, 25));
 }
 
+TEST_F(Iperf3History, IsFoundAndMovedUnderTheLongestPath) {
+  useLongestLogDirectory();
+  fakeHost.runsCommands = true;
+
+  EXPECT_EQ(reportForward(repeated(kForwardLine, 10)),
+            framed("", 10) + moveCommand("forward", kStartStamp) + "\n");
+
+  EXPECT_EQ(readFile(archiveFile("iperf3_history_forward_20261116T054000.log")),
+            repeated(kForwardLine, 10));
+}
+
 TEST_F(Iperf3History, CountsEveryLineAndShowsThoseThatAreReports) {
   ConfigurationParameters.debugPrintHistory = true;
   const std::string others[] = {

@@ -219,6 +219,18 @@ TEST_F(Iperf3Run, KeepsTheReverseReportAsALine) {
   EXPECT_EQ(resultsText(), "date , latency (0), write (0), read 943718400");
 }
 
+TEST_F(Iperf3Run, UsesPathsOfWhichFilepathHoldsTheStart) {
+  useLongestLogDirectory();
+
+  EXPECT_EQ(run(false, report("0", "943718412.345")),
+            " read latest file is " + logFile("iperf3_latest.log") +
+                "\n\n= IPERF3 history  ====================================\n" + kForwardFields);
+
+  EXPECT_EQ(latestCsv("forward"), kForwardLine);
+  EXPECT_EQ(historyCsv("forward"), kForwardLine);
+  EXPECT_EQ(filepath, logFile("iperf3_latest_forward_csv.log").substr(0, 127));
+}
+
 TEST_F(Iperf3Run, TouchesTheFilesOfItsDirectionOnly) {
   run(true, report("1", "1"));
 

@@ -102,6 +102,14 @@ TEST_F(WindowsPing, IsReadFromARealOutput) {
   EXPECT_EQ(history(), "20261116T053950,12.000,15.000,20.000,0.000\n");
 }
 
+TEST_F(WindowsPing, IsFoundUnderTheLongestPath) {
+  useLongestLogDirectory();
+
+  read("Minimum = 12ms, Maximum = 20ms, Average = 15ms\n");
+
+  EXPECT_EQ(history(), "20261116T053950,12.000,15.000,20.000,0.000\n");
+}
+
 TEST_F(WindowsPing, RunsNoCommand) {
   read(readFile(testData("ping/windows_reply.log")));
 

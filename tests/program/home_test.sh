@@ -7,18 +7,23 @@ path_of_length() {
   printf '/tmp/home/%0*d' "$(($1 - ${#HOME} - 1))" 0
 }
 
-MayHaveSeventyCharacters() {
-  HOME=$(path_of_length 70) run 10.0.0.5
+# The tenth run has the longest command line.
+MayHave183Characters() {
+  HOME=$(path_of_length 183)
+  for _ in {1..10}; do
+    : >/tmp/fake/events
+    run 10.0.0.5
+  done
 
-  expect_console home_of_70
-  expect_traces home_of_70
+  expect_console home_of_183
+  expect_traces home_of_183
 }
 
-IsRefusedWithSeventyOneCharacters() {
-  HOME=$(path_of_length 71) run 10.0.0.5
+IsRefusedWith184Characters() {
+  HOME=$(path_of_length 184) run 10.0.0.5
 
-  expect_console home_of_71
-  expect_traces home_of_71
+  expect_console home_of_184
+  expect_traces home_of_184
 }
 
 IsTheTextNullWhenUnset() {

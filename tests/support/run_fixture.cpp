@@ -73,6 +73,14 @@ void RunFixture::configure(const std::string& text) {
   writeFile(kConfigPath, text);
 }
 
+void RunFixture::useLongestLogDirectory() {
+  std::string directory = std::filesystem::current_path().string() + "/";
+  directory.resize(204, 'd');
+  formatInto(LOG_PATH, "%s/", directory.c_str());
+  formatInto(LOG_PATH_ARCHIVE, "%s/archive/", directory.c_str());
+  std::filesystem::create_directories(LOG_PATH_ARCHIVE);
+}
+
 std::string RunFixture::logFile(const std::string& name) {
   return LOG_PATH + name;
 }

@@ -26,6 +26,9 @@ class RunFixture : public testing::Test {
   /// Makes `text` the configuration file until the test ends.
   void configure(const std::string& text);
 
+  /// Moves the log directory to a path of 205 characters, the longest that HOME leads to.
+  static void useLongestLogDirectory();
+
   /// The path of a file in the log directory.
   static std::string logFile(const std::string& name);
   static std::string archiveFile(const std::string& name);
