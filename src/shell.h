@@ -1,5 +1,6 @@
 // The one door to the shell.
 #pragma once
 
-/// Runs the command line in `cmd`, waits for it and returns what `system` returned.
+/// Runs the command line in `cmd` behind all that was printed before, waits for it and returns what
+/// `system` returned.
 int runCommand();

@@ -2,6 +2,6 @@
 #pragma once
 
 /// Opens each closed one of descriptors 0 to 2 on /dev/null, so that no log file takes its place,
-/// and makes standard output pass on each line as it is printed: in front of what the next tool
-/// prints, and whatever becomes of the run.
+/// and makes standard output pass on each line as it is printed, so that an abnormal end loses none.
+/// Comes before anything is printed.
 void prepareStandardStreams();

@@ -1,6 +1,5 @@
 #include "history_files.h"
 
-#include "standard_streams.h"
 #include "support/run_fixture.h"
 #include "text_buffer.h"
 
@@ -219,10 +218,7 @@ TEST_F(ArchiveMove, RefreshesTheStampThenRunsThenPrints) {
   };
   formatInto(cmd, "echo moved\n");
 
-  const std::string text = console([] {
-    prepareStandardStreams();
-    writeDatedLogFile(TEST_TYPE_IPERF, "/x.log", 4, false);
-  });
+  const std::string text = move(TEST_TYPE_IPERF, "/x.log", 4, false);
 
   EXPECT_EQ(stampInCommand, kLaterStamp);
   EXPECT_STREQ(currentTimeStamp, kLaterStamp);
