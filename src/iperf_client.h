@@ -4,7 +4,8 @@
 #include <cstdio>
 
 /// Runs the client's command line in `cmd`, printed first when `debugConfFile` is set, then sleeps
-/// a second longer than `iperfTestTime`.
+/// a second longer than `iperfTestTime`, in milliseconds that wrap at 32 bits: 3 ms when that comes
+/// to less, as it does for -1.
 void runIperfClient();
 
 /// Prints the seven lines that the print of each iperf record starts with. A text may fill its 32

@@ -10,10 +10,11 @@
 /// Characters that a file path takes at most, its terminator included.
 inline constexpr std::size_t kPathCapacity = 256;
 
-/// Characters that a line of a history takes at most, its newline and terminator included.
+/// Characters that a line of the ping or the result history takes at most, its newline and
+/// terminator included.
 inline constexpr std::size_t kLineCapacity = 128;
 
-/// Characters of a buffer for a date-time stamp (15 are used) or a tool's name.
+/// Characters of a buffer for a date-time stamp, which uses 15 and its terminator.
 inline constexpr std::size_t kStampCapacity = 32;
 
 /// Longest text of an iperf record, without a terminator.
@@ -50,7 +51,7 @@ inline const char* const configFileKeys[] = {
 
 /// What the run has measured; the tests fill it, logFormattedResults() reports and clears it.
 struct Results {
-  char dateTime[kStampCapacity] = {};  // stamp of the latest measurement, empty without one
+  char dateTime[kStampCapacity] = {};  // stamp of the latest measurement; iperf3 runs set none
   bool latencyValid = false;
   std::uint32_t latencyMs = 0;
   bool writeRateValid = false;

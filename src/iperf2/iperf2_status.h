@@ -18,5 +18,5 @@ struct iperf2_status {
 };
 
 /// Scans the nine columns of a report at the start of `text` and returns whether all were there.
-/// A text column past 32 characters is none.
+/// A text column of more than 32 characters is not one.
 bool scanIperf2Report(const char* text, iperf2_status& status);

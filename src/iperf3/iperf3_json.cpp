@@ -120,7 +120,7 @@ void printReport(const iperf3_status& status) {
   printIperf3Status(status);
 }
 
-/// Drops the fraction. A rate that is negative or no number counts as 0, one too large as the
+/// Drops the fraction. A rate that is negative or not a number counts as 0, one too large as the
 /// largest number.
 unsigned long long wholeBps(double bps) {
   constexpr double kTwoTo64 = 18446744073709551616.0;

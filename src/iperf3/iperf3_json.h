@@ -11,8 +11,9 @@
 /// the report names: sent for "0", received for "1", none for anything else. A member that the
 /// report lacks leaves its field as it is.
 ///
-/// Throws std::invalid_argument or std::out_of_range for a port or byte count that is no number or
-/// too large. Sets the floating-point precision of std::cout to 0.
+/// Throws std::invalid_argument or std::out_of_range for a port or byte count that is not a number
+/// or too large. A rate that is not a number is 0; any rate that is there sets the floating-point
+/// precision of std::cout to 0.
 void iperf3JsonToCsvUnix(const char* path, iperf3_status& status);
 
 /// The Windows variant: takes `path` as a printf format without arguments, of whose text it opens

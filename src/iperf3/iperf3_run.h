@@ -6,8 +6,9 @@
 
 /// Runs the iperf3 client against `ipaddr` for `iperfTestTime` seconds, from the server to the
 /// client when `reverse` is set, waits, and reduces its report to a rate of `outputResults` and a
-/// CSV line. The line is written whatever became of the run, with zeros for what is not known.
+/// CSV line. The line is written whatever became of the run, with zeros and empty texts for what is
+/// not known.
 ///
-/// Throws what iperf3JsonToCsvUnix() throws. Writes `iperfStartTimeStamp`, `iperf3_prog`, `cmd` and
-/// `filepath`.
+/// Throws what iperf3JsonToCsvUnix() throws, and then writes no line. Writes `iperfStartTimeStamp`,
+/// `iperf3_prog`, `cmd` and `filepath`.
 void exec_iperf3(bool reverse);

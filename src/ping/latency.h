@@ -4,5 +4,5 @@
 #pragma once
 
 /// Records `averageMs` as the run's latency, measured now: cut to whole milliseconds, of which the
-/// low 32 bits are kept. A value that 64 bits cannot hold, or that is no number, counts as 0.
+/// low 32 bits are kept. A value that 64 bits cannot hold, or that is not a number, counts as 0.
 void recordLatency(double averageMs);

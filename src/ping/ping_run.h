@@ -12,6 +12,6 @@ int exec_ping();
 /// history line for each summary in it: a line that begins "round-trip" and holds a "=". A summary
 /// that is not four numbers counts with the values of the one before, 0 ms at first.
 ///
-/// Throws std::out_of_range for a summary that ends in "=", and std::invalid_argument or
-/// std::out_of_range for a field of four that is no number or fits no double.
+/// Throws std::out_of_range for a summary that ends in its first "=", and std::invalid_argument or
+/// std::out_of_range for a field of four that is not a number or does not fit a double.
 void read_latest_ping_log_file_unix();

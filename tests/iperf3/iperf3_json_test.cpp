@@ -388,7 +388,7 @@ TEST_F(Iperf3Json, TakesPortsAsNumbers) {
   }
 }
 
-TEST_F(Iperf3Json, WithAPortThatIsNoNumberEndsTheRun) {
+TEST_F(Iperf3Json, WithAPortThatIsNotANumberEndsTheRun) {
   for (const char* const name : {"local_port", "remote_port"}) {
     for (const char* const value : {"", ",", "x,", "\"5201\",", "-,", ",5201"}) {
       SCOPED_TRACE(std::string(name) + value);
@@ -563,7 +563,7 @@ TEST_F(Iperf3Json, TakesByteCountsAsSignedNumbersOf64Bits) {
   }
 }
 
-TEST_F(Iperf3Json, WithAByteCountThatIsNoNumberEndsTheRun) {
+TEST_F(Iperf3Json, WithAByteCountThatIsNotANumberEndsTheRun) {
   for (const char* const block : {"\"bytes\":\t,\n}", "\"bytes\":\tx,\n}", "\"bytes\":\t\"8\",\n}",
                                   "\"bytes\":\t", "\"bytes", "\"bytes\":\t-\n"}) {
     SCOPED_TRACE(block);

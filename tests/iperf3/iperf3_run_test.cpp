@@ -411,7 +411,7 @@ TEST_F(Iperf3Run, GoesOnWhateverTheShellReturns) {
   EXPECT_EQ(fakeHost.sleeps.size(), 1U);
 }
 
-TEST_F(Iperf3Run, EndsWithoutALineOnANumberThatIsNone) {
+TEST_F(Iperf3Run, EndsWithoutALineOnAPortThatIsNotANumber) {
   fakeHost.onCommand = [](const std::string&) {
     writeFile(logFile("iperf3_latest.log"), "\"local_port\":\tx\n");
   };

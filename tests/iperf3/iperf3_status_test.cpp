@@ -85,7 +85,7 @@ TEST_F(Iperf3Status, StartsEmpty) {
             "Bps rcvd 0\n");
 }
 
-TEST_F(Iperf3Status, PrintsTextsOf32CharactersAndRatesThatAreNoNumber) {
+TEST_F(Iperf3Status, PrintsTextsOf32CharactersAndRatesThatAreNotNumbers) {
   iperf3_status status;
   copyInto(status.date, std::string(32, 'd'));
   copyInto(status.clientIp, std::string(32, 'c'));

@@ -330,7 +330,7 @@ TEST_F(PingSummary, TakesTheNumberThatStartsAField) {
   }
 }
 
-TEST_F(PingSummary, WithAFieldThatIsNoNumberEndsTheRun) {
+TEST_F(PingSummary, WithAFieldThatIsNotANumberEndsTheRun) {
   const char* const cases[] = {"round-trip = x/1/2/3 ms",    "round-trip = 1/x/2/3 ms",
                                "round-trip = 1/2/x/3 ms",    "round-trip = 1/2/3/x ms",
                                "round-trip = 1/2/3/-",       "round-trip = 1/2/3/  ms",
