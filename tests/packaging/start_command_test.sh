@@ -127,8 +127,8 @@ iperf3, which has to run there ("iperf3 -s"). Takes about a minute and ends with
 
 Results    ~/Library/Logs/Qelmora/connection_test_results.txt and more beside it
 Settings   /usr/local/bin/Qelmora/connTester.conf
-Status     0 the run has ended, whatever it measured; 2 it has not started;
-           75 it has not started because another run of yours is in progress
+Status     0 the run has ended, whatever it measured; 2 nothing was measured;
+           75 nothing was measured, because another run of yours is in progress
 Manual     man connTester, man connTester.conf
 END
 }
