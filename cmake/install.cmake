@@ -39,8 +39,15 @@ install(FILES packaging/systemd/connTester@.service packaging/systemd/connTester
   DESTINATION lib/systemd/user)
 install(FILES man/connTester.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES man/connTester.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES README.md CHANGELOG.md DESTINATION ${documents})
-install(FILES docs/architecture.md docs/files.md DESTINATION ${documents}/docs)
+# With all that they lead to.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${documents})
+install(FILES
+  docs/architecture.md
+  docs/files.md
+  docs/macos.md
+  docs/performance.md
+  docs/reliability.md
+  DESTINATION ${documents}/docs)
 
 install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/uninstall DESTINATION ${programs}
   COMPONENT machine)

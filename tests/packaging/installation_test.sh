@@ -17,9 +17,13 @@ share/connTester/connTester.crontab
 share/connTester/connTester.plist
 share/connTester/locked-down.conf
 share/doc/conntester/CHANGELOG.md
+share/doc/conntester/CONTRIBUTING.md
 share/doc/conntester/README.md
 share/doc/conntester/docs/architecture.md
 share/doc/conntester/docs/files.md
+share/doc/conntester/docs/macos.md
+share/doc/conntester/docs/performance.md
+share/doc/conntester/docs/reliability.md
 share/man/man1/connTester.1
 share/man/man5/connTester.conf.5'
 
