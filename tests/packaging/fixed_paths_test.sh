@@ -2,6 +2,8 @@
 # The script that makes and removes the two files in the program's fixed folder.
 source "$(dirname "$0")/library.sh"
 
+adapter=$programs/iperf3-adapter/iperf3
+
 # The script in an installation that has not made them, on a machine without them.
 prepare() {
   cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" --component program >/tmp/fake/installation
@@ -34,7 +36,7 @@ MakesALinkAndAConfiguration() {
   expect_silent_success
   expect_folder <<END
 connTester.conf f 
-iperf3 l $(command -v iperf3)
+iperf3 l $adapter
 END
   expect_same "$packaging/connTester.conf" "$installation/connTester.conf"
 }
@@ -60,7 +62,7 @@ MakesNothingTwice() {
   run make
 
   expect_silent_success
-  diff -r /tmp/before "$installation" || fail 'the second time changed something'
+  diff -r --no-dereference /tmp/before "$installation" || fail 'the second time changed something'
 }
 
 LeavesWhatIsThere() {
@@ -107,7 +109,7 @@ RemovesWhatItHasMade() {
 RemovesNothingThatItHasNotMade() {
   prepare
   mkdir "$installation"
-  ln -s "$(command -v iperf3)" "$installation/iperf3"
+  ln -s "$adapter" "$installation/iperf3"
   cp "$packaging/connTester.conf" "$installation/connTester.conf"
   run make
 
@@ -116,7 +118,7 @@ RemovesNothingThatItHasNotMade() {
   expect_silent_success
   expect_folder <<END
 connTester.conf f 
-iperf3 l $(command -v iperf3)
+iperf3 l $adapter
 END
 }
 
@@ -170,12 +172,12 @@ LeavesALinkThatWasMadeAnewByHand() {
   prepare
   run make
   run unlink
-  ln -s "$(command -v iperf3)" "$installation/iperf3"
+  ln -s "$adapter" "$installation/iperf3"
 
   run remove
 
   expect_silent_success
-  expect_folder <<<"iperf3 l $(command -v iperf3)"
+  expect_folder <<<"iperf3 l $adapter"
 }
 
 DoesNotBringBackADeletedConfiguration() {
@@ -186,7 +188,7 @@ DoesNotBringBackADeletedConfiguration() {
   run make
 
   expect_silent_success
-  expect_folder <<<"iperf3 l $(command -v iperf3)"
+  expect_folder <<<"iperf3 l $adapter"
 }
 
 BringsBackTheLinkThatItRemoved() {
@@ -201,21 +203,142 @@ BringsBackTheLinkThatItRemoved() {
   expect_silent_success
   expect_folder <<END
 connTester.conf f 
-iperf3 l $(command -v iperf3)
+iperf3 l $adapter
 END
 }
 
 SaysThatIperf3IsMissing() {
   prepare
-  provide cp dirname grep mkdir readlink sh
+  provide cp dirname grep ln mkdir mv readlink sh
   tester=(env PATH=/tmp/bin "$programs/fixed-paths")
 
   run make
 
-  expect_status 1
-  expect_file /tmp/fake/errors <<<"connTester: iperf3 is not installed. Install it, then run, as\
- root: $programs/fixed-paths make"
+  expect_status 0
+  expect_file /tmp/fake/errors \
+    <<<'connTester: iperf3 is not installed. Install it, or switch the tests with it off.'
+  expect_folder <<END
+connTester.conf f 
+iperf3 l $adapter
+END
+}
+
+# What an earlier version has left: a link to the system's iperf3, and a record that names no
+# installation and whose last line has lost its end.
+leave_earlier_version() {
+  mkdir "$installation"
+  ln -s /usr/bin/iperf3 "$installation/iperf3"
+  cp "$packaging/connTester.conf" "$installation/connTester.conf"
+  printf 'folder\niperf3 /usr/bin/iperf3\nconfiguration' >"$installation/.made-by-connTester"
+}
+
+TakesOverFromAnEarlierVersion() {
+  prepare
+  leave_earlier_version
+
+  run make
+
+  expect_silent_success
+  expect_folder <<END
+connTester.conf f 
+iperf3 l $adapter
+END
+  expect_file "$installation/.made-by-connTester" <<END
+folder $programs
+configuration $programs
+iperf3 $adapter
+END
+  run remove
+  expect_silent_success
+  expect_no_folder
+}
+
+LeavesALinkToTheSystemsIperf3ThatTheUserMade() {
+  prepare
+  leave_earlier_version
+  ln -sf /opt/iperf3 "$installation/iperf3"
+
+  run make
+
+  expect_silent_success
+  expect_file <(readlink "$installation/iperf3") <<</opt/iperf3
+}
+
+# The installation beside the first one.
+prepare_another() {
+  other=/tmp/other/libexec/connTester
+  cmake --install "$BUILD_DIRECTORY" --prefix /tmp/other --component program >/tmp/fake/installation
+  rm -rf "$installation"
+}
+
+expect_another_said() {
+  expect_status 0
+  expect_file /tmp/fake/errors <<<"connTester: $installation/iperf3 is another installation's. When\
+ that is removed, run, as root: $1/fixed-paths make"
+}
+
+RemovesNothingOfAnotherInstallation() {
+  prepare
+  prepare_another
+  "$other/fixed-paths" make
+  cp -a "$installation" /tmp/before
+  run make
+  expect_another_said "$programs"
+
+  run remove
+
+  expect_silent_success
+  diff -r --no-dereference /tmp/before "$installation" || fail 'the first has lost something'
+  "$other/fixed-paths" remove
+  expect_no_folder
+}
+
+LeavesTheSettingsToTheOtherInstallation() {
+  prepare
+  prepare_another
+  run make
+  "$other/fixed-paths" make 2>/tmp/fake/errors
+  expect_another_said "$other"
+
+  run remove
+
+  expect_silent_success
   expect_folder <<<'connTester.conf f '
+  "$other/fixed-paths" make
+  expect_folder <<END
+connTester.conf f 
+iperf3 l $other/iperf3-adapter/iperf3
+END
+  "$other/fixed-paths" remove
+  expect_no_folder
+}
+
+ReplacesTheLinkOfAnInstallationThatIsGone() {
+  prepare
+  prepare_another
+  "$other/fixed-paths" make
+  rm -r /tmp/other
+
+  run make
+
+  expect_silent_success
+  expect_file <(readlink "$installation/iperf3") <<<"$adapter"
+}
+
+SaysThatTheFolderCannotBeWritten() { # --unprivileged
+  prepare
+  run make
+  chmod a-w "$installation"
+  cp -a "$installation" /tmp/before
+
+  local command
+  for command in make unlink remove; do
+    run "$command"
+
+    expect_status 1
+    expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
+  done
+  diff -r --no-dereference /tmp/before "$installation" || fail 'something has changed'
 }
 
 PutsDestdirBeforeThePaths() {
@@ -228,7 +351,7 @@ PutsDestdirBeforeThePaths() {
   expect_no_folder
   installation=$DESTDIR$installation expect_folder <<END
 connTester.conf f 
-iperf3 l $(command -v iperf3)
+iperf3 l $adapter
 END
   run remove
   expect_silent_success

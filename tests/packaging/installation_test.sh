@@ -90,16 +90,26 @@ LeavesAConfigurationAndALinkThatExist() {
   expect_file <(readlink "$installation/iperf3") <<</opt/iperf3
 }
 
-SaysWhatIsToBeDoneWithoutIperf3() {
+SaysThatIperf3IsMissing() {
   prepare
-  provide cmake cp dirname grep mkdir readlink sh
+  provide cmake cp dirname grep ln mkdir mv readlink sh
 
   PATH=/tmp/bin install_tester
 
-  expect_file <(grep '^connTester:' /tmp/fake/installation) <<<"connTester: iperf3 is not installed.\
- Install it, then run, as root: $programs/fixed-paths make"
-  grep -q '^CMake Warning' /tmp/fake/installation || fail 'the installation does not warn'
+  expect_file <(grep '^connTester:' /tmp/fake/installation) \
+    <<<'connTester: iperf3 is not installed. Install it, or switch the tests with it off.'
   expect_file <(list_files "$prefix") <<<"$files"
+}
+
+SaysThatTheFixedPathsCannotBeMade() { # --unprivileged
+  chmod a-w "$installation"
+
+  install_tester
+
+  grep -q '^connTester: cannot write in /usr/local/bin/Qelmora$' /tmp/fake/installation ||
+    fail "it does not say what fails: $(cat /tmp/fake/installation)"
+  expect_file <(tr -s '\n ' ' ' </tmp/fake/installation | grep -o "run, as root: [^ ]* make") \
+    <<<"run, as root: $programs/fixed-paths make"
 }
 
 IsUndoneByUninstall() {
