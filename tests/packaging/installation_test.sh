@@ -112,6 +112,40 @@ SaysThatTheFixedPathsCannotBeMade() { # --unprivileged
     <<<"run, as root: $programs/fixed-paths make"
 }
 
+# Compares all kinds and modes of what the installation has made.
+expect_modes() {
+  expect_file <(find "$prefix" "$installation" ! -type l -printf '%y %m\n' | sort -u) <<'END'
+d 755
+f 644
+f 755
+END
+}
+
+SetsModesWhateverTheUmask() {
+  local mask
+  for mask in 000 077; do
+    rm -rf "$prefix" "$installation"
+    umask "$mask"
+
+    install_tester
+
+    expect_modes
+  done
+}
+
+RefusesAPrefixThatListsCannotHold() {
+  prepare
+  local name
+  for name in a:b 'a;b' $'a\nb'; do
+    if cmake --install "$BUILD_DIRECTORY" --prefix "/tmp/usr/$name" >/tmp/fake/installation 2>&1; then
+      fail "it takes $name"
+    fi
+    grep -qF "connTester can't be installed below a name with" /tmp/fake/installation ||
+      fail "it does not say why: $(cat /tmp/fake/installation)"
+    expect_nothing_left
+  done
+}
+
 IsUndoneByUninstall() {
   prepare
   install_tester
@@ -170,6 +204,55 @@ LeavesTheUsersFilesWhenItIsUndone() {
   expect_status 0
   expect_file <(list_files "$prefix") <<<$'bin/mine\nshare/doc/conntester/mine'
   diff -r /tmp/before "$installation" || fail 'the folder of the program has changed'
+}
+
+# Runs uninstall, which has to say $1 and to leave everything.
+expect_refusal() {
+  cp -a "$prefix" /tmp/before
+  tester=("$programs/uninstall")
+
+  run
+
+  expect_status 1
+  expect_file /tmp/fake/errors <<<"connTester: nothing is removed: $1"
+  diff -r --no-dereference /tmp/before "$prefix" || fail 'something is gone'
+  rm -r /tmp/before
+  [[ -L $installation/iperf3 ]] || fail 'the fixed path is gone'
+}
+
+RefusesToFollowAManifestToOtherPlaces() {
+  prepare
+  install_tester
+  mkdir /tmp/victim
+  touch /tmp/victim/file
+  ln -s /tmp/victim "$prefix/share/link"
+  local entry
+  for entry in ../victim/file share/../../victim/file /tmp/victim/file .. ./bin '' bin//file; do
+    cp "$programs/manifest" /tmp/work/manifest
+    echo "$entry" >>"$programs/manifest"
+
+    expect_refusal "$programs/manifest names \"$entry\""
+
+    cp /tmp/work/manifest "$programs/manifest"
+  done
+  echo share/link/file >>"$programs/manifest"
+  expect_refusal "$programs/manifest names \"share/link/file\", which is in /tmp/victim"
+  [[ -e /tmp/victim/file ]] || fail 'a file elsewhere is gone'
+}
+
+RefusesAManifestThatOthersMayWrite() {
+  prepare
+  install_tester
+  local mode
+  for mode in g+w o+w; do
+    chmod "$mode" "$programs/manifest"
+    expect_refusal "others may write $programs/manifest"
+    chmod go-w "$programs/manifest"
+
+    chmod "$mode" "$programs"
+    expect_refusal "others may write $programs"
+    chmod go-w "$programs"
+  done
 }
 
 run_test "$@"
