@@ -69,6 +69,8 @@ the rates of both directions with iperf3. It ends with one result line and
 keeps dated histories. Units for a run every hour are included.")
 set(CPACK_INSTALL_CMAKE_PROJECTS
   "${CMAKE_BINARY_DIR};connTester;program;/;${CMAKE_BINARY_DIR};connTester;debian;/")
+configure_file(cmake/package_time.cmake.in packaging/package_time.cmake @ONLY)
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/packaging/package_time.cmake)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/cmake/finish_package.cmake)
 set(CPACK_DEBIAN_FILE_NAME conntester.deb)
