@@ -1,53 +1,56 @@
-// A `ping` to stand first in PATH: it runs the system's `ping` with the same arguments, passes on
-// every line as it comes, and gives the summary the form that connTester recognises.
+// The ping adapter: passes on every line of the system's ping as it comes, and gives the summary
+// the form that connTester recognises. To be put first in PATH.
 
+#include "adapter.h"
+#include "messages.h"
 #include "ping_summary.h"
-#include "system_ping.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace {
 
-constexpr char kNoPing[] =
-    "ping adapter: no system ping behind this one in PATH; install one, for example with: "
-    "apt-get install iputils-ping\n";
+constexpr Tool kPing = {"ping", "iputils-ping", "-c", "--count", 30};
 
-/// The exit status by which a shell, too, says that a program was not found.
-constexpr int kNotFoundStatus = 127;
+/// Characters of a line that may be a summary, its newline included.
+constexpr std::size_t kLineCapacity = 4096;
 
-/// Writes `line` at once; returns 0, or the error number when it cannot be written.
-int write(const std::string& line) {
-  const bool written =
-      std::fwrite(line.data(), 1, line.size(), stdout) == line.size() && std::fflush(stdout) == 0;
-  return written ? 0 : errno;
+/// Writes `text` at once, or ends this process with status 1.
+void write(const std::string& text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+    giveUp(kPing.name, cannot(std::string("write the output of ") + kPing.name), EXIT_FAILURE);
+  }
 }
 
-/// Passes `output` on, line by line, to its end; returns the error number of a line that cannot be
-/// written, otherwise 0.
-int passOutputOn(std::FILE* output) {
-  ReplyTimes times;
-  char* line = nullptr;
-  std::size_t capacity = 0;
-  int error = 0;
-  for (ssize_t length = 0; error == 0 && (length = getline(&line, &capacity, output)) > 0;) {
-    error = write(adaptLine(std::string(line, static_cast<std::size_t>(length)), times));
+/// Reads a line with its newline, or as much of a long or unfinished one as there is room for.
+/// Returns "" at the end.
+std::string readLine(std::FILE* input) {
+  std::string line;
+  while (line.size() < kLineCapacity && !line.ends_with('\n')) {
+    const int character = std::getc(input);
+    if (character == EOF) {
+      break;
+    }
+    line += static_cast<char>(character);
   }
-  std::free(line);
-  return error;
+  return line;
+}
+
+/// Passes `output` on, line by line; a line that is too long in pieces, and as it is.
+void passLinesOn(std::FILE* output) {
+  ReplyTimes times;
+  bool begins = true;
+  for (std::string line; !(line = readLine(output)).empty();) {
+    const bool ends = line.ends_with('\n') || line.size() < kLineCapacity;
+    write(begins && ends ? adaptLine(line, times) : line);
+    begins = ends;
+  }
 }
 
 }  // namespace
 
 int main(int /*argc*/, char** argv) {
-  const std::string path = findSystemPing();
-  if (path.empty()) {
-    std::fputs(kNoPing, stderr);
-    return kNotFoundStatus;
-  }
-  const SystemPing ping = startSystemPing(path, argv);
-  const int writeError = passOutputOn(ping.output);
-  return writeError == 0 ? endLike(ping) : endWithoutOutput(ping, writeError);
+  setenv("LC_ALL", "C.UTF-8", 1);
+  return standInFor(kPing, argv, passLinesOn);
 }

@@ -1,6 +1,5 @@
 #include "ping_summary.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +11,10 @@ namespace {
 
 constexpr char kReplyTime[] = " time=";
 constexpr char kReplyTimeScan[] = " time=%lf ms%n";
+
+// The statistics of busybox; the duplicates are left out when there are none.
+constexpr char kReceivedScan[] = "%*u packets transmitted, %llu packets received%n";
+constexpr char kDuplicatesScan[] = ", %llu duplicates%n";
 
 // The "mdev" of iputils is the population standard deviation: see its ping(8).
 constexpr std::string_view kIputilsLabel = "rtt min/avg/max/mdev = ";
@@ -38,11 +41,26 @@ void addReply(const std::string& line, ReplyTimes& times) {
   times.squaredDeviations += deviation * (timeMs - times.meanMs);
 }
 
-/// The population standard deviation with three decimals, as pings print it; 0 without replies.
+/// Takes the number of replies from a line such as "4 packets transmitted, 3 packets received, 1
+/// duplicates, 25% packet loss".
+void takeStatistics(const std::string& line, ReplyTimes& times) {
+  unsigned long long received = 0;
+  int end = 0;
+  std::sscanf(line.c_str(), kReceivedScan, &received, &end);
+  if (end == 0) {
+    return;
+  }
+  unsigned long long duplicates = 0;
+  int endOfDuplicates = 0;
+  std::sscanf(line.c_str() + end, kDuplicatesScan, &duplicates, &endOfDuplicates);
+  times.expectedCount = received + (endOfDuplicates != 0 ? duplicates : 0);
+}
+
+/// The population standard deviation with three decimals, as pings print it.
 std::string standardDeviation(const ReplyTimes& times) {
-  const double count = static_cast<double>(std::max(times.count, 1ULL));
   std::ostringstream text;
-  text << std::fixed << std::setprecision(3) << std::sqrt(times.squaredDeviations / count);
+  text << std::fixed << std::setprecision(3)
+       << std::sqrt(times.squaredDeviations / static_cast<double>(times.count));
   return text.str();
 }
 
@@ -67,9 +85,11 @@ bool isSummary(const std::string& line, std::string_view label, int count) {
 
 std::string adaptLine(std::string line, ReplyTimes& times) {
   addReply(line, times);
+  takeStatistics(line, times);
+  const bool allSeen = times.count > 0 && times.count == times.expectedCount;
   if (isSummary(line, kIputilsLabel, 4)) {
     line.replace(0, kIputilsLabel.size(), kRecognisedLabel);
-  } else if (isSummary(line, kThreeNumbersLabel, 3)) {
+  } else if (allSeen && isSummary(line, kThreeNumbersLabel, 3)) {
     line.insert(line.find(" ms"), std::string("/").append(standardDeviation(times)));
     line.replace(0, kThreeNumbersLabel.size(), kRecognisedLabel);
   }

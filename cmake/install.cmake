@@ -26,7 +26,9 @@ install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/start_install.cmake COMPONE
 
 install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/connTester TYPE BIN)
 install(TARGETS connTester DESTINATION ${programs})
-install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
+if(TARGET pingAdapter)
+  install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
+endif()
 install(PROGRAMS packaging/with-ping-adapter ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
 install(FILES
