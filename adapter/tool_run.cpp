@@ -90,6 +90,17 @@ bool hasEnded(pid_t process) {
   return endOf(process, WNOHANG).si_pid == process;
 }
 
+bool endedWell(const siginfo_t& end) {
+  return end.si_code == CLD_EXITED && end.si_status == EXIT_SUCCESS;
+}
+
+/// Whether the filter has failed. One that has ended well has seen the end of the output: the tool
+/// that closed it may still be about to end.
+bool hasFailed(pid_t filter) {
+  const siginfo_t end = endOf(filter, WNOHANG);
+  return end.si_pid == filter && !endedWell(end);
+}
+
 /// Waits up to `deadline` for a signal, and passes on to the tool what a process has sent. Returns
 /// whether that asks the tool to end.
 bool passSignalOn(const ToolRun& run, Clock::time_point deadline) {
@@ -109,7 +120,7 @@ bool passSignalOn(const ToolRun& run, Clock::time_point deadline) {
 /// Follows `run` until its tool has ended or is asked to end, and returns why.
 Cause awaitCause(const ToolRun& run, Clock::time_point deadline) {
   while (!hasEnded(run.tool)) {
-    if (hasEnded(run.writer)) {
+    if (hasFailed(run.writer)) {
       kill(run.tool, SIGKILL);
       return Cause::Itself;
     }
@@ -185,7 +196,7 @@ Ending follow(const ToolRun& run, const TimeLimit& limit) {
 
 int endLike(const ToolRun& run, const Ending& ending) {
   siginfo_t end = endOf(run.writer);
-  if (ending.outputLeft || (end.si_code == CLD_EXITED && end.si_status == EXIT_SUCCESS)) {
+  if (ending.outputLeft || endedWell(end)) {
     end = endOf(run.tool);
   }
   if (end.si_code != CLD_EXITED) {
