@@ -19,8 +19,8 @@ foreach(script connTester fixed-paths uninstall)
 endforeach()
 
 set(folders
-  ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${data} ${documents}/docs lib/systemd/user
-  ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5)
+  ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${programs}/iperf3-adapter ${data}
+  ${documents}/docs lib/systemd/user ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5)
 configure_file(cmake/start_install.cmake.in packaging/start_install.cmake @ONLY)
 install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/start_install.cmake COMPONENT machine)
 
@@ -28,6 +28,7 @@ install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/connTester TYPE BIN)
 install(TARGETS connTester DESTINATION ${programs})
 if(TARGET pingAdapter)
   install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
+  install(TARGETS iperf3Adapter DESTINATION ${programs}/iperf3-adapter)
 endif()
 install(PROGRAMS packaging/with-ping-adapter ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
