@@ -9,6 +9,10 @@
 source "$(dirname "${BASH_SOURCE[0]}")/../packaging/library.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/two_machines.sh"
 
+# By the limits of the adapters: 10 s of pings, 30 s of grace and 10 s of patience; for each direction 10 s
+# of iperf3, 60 s and 10 s, and the tester's wait of 11 s.
+longest_run=$((50 + 2 * 91))
+
 networks=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # Does something when the server's iperf3 test of that number, 1 or 2, has lasted for half a second.
 during_test() {
@@ -67,11 +71,11 @@ print_run() {
   print_masked result "$logs/connection_test_results.txt"
 }
 
-# Compares the run, which took at most $1 seconds; one with the default settings, at most 232.
+# Compares the run, which took at most $1 seconds; one with the default settings, as many as that can take.
 expect_run() {
   local most=$1
   if [[ ${FAULTS-} == long ]]; then
-    most=232
+    most=$longest_run
     echo "took $seconds s"
   fi
   print_run >/tmp/fake/run
@@ -79,11 +83,12 @@ expect_run() {
   ((seconds <= most)) || fail "the run took $seconds s, more than $most"
 }
 
-# Makes each direction's test last so many seconds, if it is not to last as long as usual.
+# Makes each direction's test last $1 seconds, and the grace $2, if they are not to be the defaults.
 shorten_tests() {
+  [[ ${FAULTS-} != long ]] || return 0
   test_seconds=$1
   configure numPings=2 "iperfTestTime=$1"
-  export CONNTESTER_GRACE_SECONDS=2
+  export CONNTESTER_GRACE_SECONDS=${2-2}
 }
 
 # Runs the test of a network.
@@ -92,7 +97,7 @@ run_network_test() {
   rm -r "$installation" /tmp/bin/ping
   install_tester
   test_seconds=10
-  [[ ${FAULTS-} == long ]] || shorten_tests 2
+  shorten_tests 2
   lay_cable
   row=$(basename "$0" _test.sh).$1
   "$1"

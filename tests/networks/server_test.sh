@@ -104,7 +104,7 @@ IsBusy() {
 
 # The run of another begins in the forward test: one gets that, the other the reverse test.
 IsSharedByTwoUsers() {
-  [[ ${FAULTS-} == long ]] || shorten_tests 4
+  shorten_tests 4
   start_server
   mkdir /tmp/home/other
   during_test 1 env HOME=/tmp/home/other "${tester[@]}" $server >/tmp/fake/other 2>&1
