@@ -46,6 +46,49 @@ ServiceRunsTheTesterAgainstItsInstance() {
   expect_file <(program_events) <<<'connTester [192.168.1.10]'
 }
 
+# Another systemd may rate it a little otherwise than the unit says.
+LockedDownServiceIsExposedLittle() {
+  need systemd-analyze
+  install_in_path 'exit 0'
+  mkdir "$units/connTester@.service.d"
+  cp "$prefix/share/connTester/locked-down.conf" "$units/connTester@.service.d"
+
+  XDG_RUNTIME_DIR=/tmp/work systemd-analyze security --user --offline=true --threshold=20 \
+    --no-pager "$units/connTester@.service" >/tmp/fake/security ||
+    fail "it is exposed: $(cat /tmp/fake/security)"
+}
+
+# Runs what the service runs at its end, after a run with exit status $1.
+end_service() {
+  local command
+  command=$(sed -n 's/^ExecStopPost=//p' "$units/connTester@.service")
+  run PATH=/usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "${command:?}"
+  expect_file /tmp/fake/errors </dev/null
+}
+
+ServiceSucceedsWithARunThatWasLeftOut() {
+  install_in_path 'exit 0'
+  expect_file <(sed -n 's/^SuccessExitStatus=//p' "$units/connTester@.service") <<<75
+  make_log_directories
+  touch -d '59 minutes ago' "$logs/connTester.lock"
+
+  end_service 75
+
+  expect_status 0
+}
+
+ServiceFailsWhenRunsAreLeftOutForAnHour() {
+  install_in_path 'exit 0'
+  make_log_directories
+  touch -d '62 minutes ago' "$logs/connTester.lock"
+
+  end_service 75
+  expect_status 1
+
+  end_service 0
+  expect_status 0
+}
+
 # Prints the command of the crontab line, as the documented command sets it up.
 cron_command() {
   sed s/ADDRESS/192.168.1.10/ "$prefix/share/connTester/connTester.crontab" | cut -d ' ' -f 6-
