@@ -223,6 +223,38 @@ iperf3 l $adapter
 END
 }
 
+LinksTheSystemsIperf3WhereThereIsNoAdapter() {
+  prepare
+  rm "$adapter"
+
+  run make
+
+  expect_silent_success
+  expect_folder <<END
+connTester.conf f 
+iperf3 l $(command -v iperf3)
+END
+  run remove
+  expect_silent_success
+  expect_no_folder
+}
+
+LinksNoIperf3OfTheWorkingDirectory() {
+  prepare
+  rm "$adapter"
+  provide cp dirname grep mkdir mv readlink sh
+  cp "$tests/fake_tool" /tmp/work/iperf3
+  cd /tmp/work
+  tester=(env PATH=.:/tmp/bin "$programs/fixed-paths")
+
+  run make
+
+  expect_status 1
+  expect_file /tmp/fake/errors \
+    <<<"connTester: iperf3 is not installed. Install it, then run, as root: $programs/fixed-paths make"
+  expect_folder <<<'connTester.conf f '
+}
+
 # What an earlier version has left: a link to the system's iperf3, and a record that names no
 # installation and whose last line has lost its end.
 leave_earlier_version() {
