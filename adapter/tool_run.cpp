@@ -90,15 +90,9 @@ bool hasEnded(pid_t process) {
   return endOf(process, WNOHANG).si_pid == process;
 }
 
-bool endedWell(const siginfo_t& end) {
-  return end.si_code == CLD_EXITED && end.si_status == EXIT_SUCCESS;
-}
-
-/// Whether the filter has failed. One that has ended well has seen the end of the output: the tool
-/// that closed it may still be about to end.
-bool hasFailed(pid_t filter) {
-  const siginfo_t end = endOf(filter, WNOHANG);
-  return end.si_pid == filter && !endedWell(end);
+bool hasFailed(pid_t process) {
+  const siginfo_t end = endOf(process, WNOHANG);
+  return end.si_pid == process && (end.si_code != CLD_EXITED || end.si_status != EXIT_SUCCESS);
 }
 
 /// Waits up to `deadline` for a signal, and passes on to the tool what a process has sent. Returns
@@ -195,10 +189,8 @@ Ending follow(const ToolRun& run, const TimeLimit& limit) {
 }
 
 int endLike(const ToolRun& run, const Ending& ending) {
-  siginfo_t end = endOf(run.writer);
-  if (ending.outputLeft || endedWell(end)) {
-    end = endOf(run.tool);
-  }
+  const bool filterCounts = !ending.outputLeft && hasFailed(run.writer);
+  const siginfo_t end = endOf(filterCounts ? run.writer : run.tool);
   if (end.si_code != CLD_EXITED) {
     dieBy(end.si_status);
   }

@@ -86,9 +86,7 @@ TEST(PingSummary, KeepsItsNumbersAndWhatFollowsThem) {
       {"rtt min/avg/max/mdev = 1203.7/1203.75/1203.777/0 ms",
        "round-trip min/avg/max/stddev = 1203.7/1203.75/1203.777/0 ms"},
       {"rtt min/avg/max/mdev = 1/2/3/4 ms\r\n", "round-trip min/avg/max/stddev = 1/2/3/4 ms\r\n"},
-      {"round-trip min/avg/max = 1/2/3 ms", "round-trip min/avg/max/stddev = 1/2/3/0.000 ms"},
-      {"round-trip min/avg/max = 1/2/3 ms, and more\n",
-       "round-trip min/avg/max/stddev = 1/2/3/0.000 ms, and more\n"}};
+  };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.line);
 
@@ -135,29 +133,53 @@ TEST(PingSummary, KeepsABytePastTheNumbersThatIsZero) {
             "round-trip min/avg/max/stddev = 1/2/3/4 ms\0 and\n"s);
 }
 
-TEST(PingSummary, GetsTheDeviationOfTheRepliesThatHaveATime) {
+TEST(PingSummary, GetsTheDeviationOfAllReplies) {
   const struct {
     const char* replies;
+    const char* received;
     const char* deviation;
   } cases[] = {
-      {"", "0.000"},
-      {"64 bytes from 10.0.0.5: seq=0 ttl=64 time=12.5 ms\n", "0.000"},
-      {"seq=0 time=0.1 ms\nseq=1 time=0.1 ms\nseq=2 time=0.1 ms\n", "0.000"},
-      {"seq=0 time=1 ms\nseq=1 time=2 ms\nseq=2 time=3 ms\n", "0.816"},
-      {"seq=0 time=1 ms\nseq=1 time=3 ms\nseq=1 time=8 ms (DUP!)\n", "2.944"},
-      {"seq=0 time=1 ms\nseq=1 time<1 ms\nseq=2 time=2 ms\n", "0.500"},
-      {"seq=0 time=1 ms\nseq=1 time= ms\nseq=2 time=2 s\nseq=3 ttl=64\n", "0.000"},
-      {"seq=0 time=1 ms\nuptime=9 ms\n9 replies, time 9ms\n", "0.000"},
+      {"64 bytes from 10.0.0.5: seq=0 ttl=64 time=12.5 ms\n", "1 packets received", "0.000"},
+      {"seq=0 time=0.1 ms\nseq=1 time=0.1 ms\n", "2 packets received", "0.000"},
+      {"seq=0 time=1 ms\nseq=1 time=2 ms\nseq=2 time=3 ms\n", "3 packets received", "0.816"},
+      {"seq=0 time=1 ms\nseq=1 time=3 ms\nseq=1 time=8 ms (DUP!)\n",
+       "2 packets received, 1 duplicates", "2.944"},
+      {"seq=0 time=1 ms\nuptime=9 ms\n9 replies, time 9ms\n", "1 packets received", "0.000"},
       // Squares of these have no decimals left in a double.
       {"seq=0 time=90000000.001 ms\nseq=1 time=90000000.002 ms\nseq=2 time=90000000.003 ms\n",
-       "0.001"},
+       "3 packets received", "0.001"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.replies);
+    const std::string output =
+        std::string(c.replies) + "9 packets transmitted, " + c.received + ", 7% packet loss\n";
 
-    EXPECT_EQ(
-        adapt(std::string(c.replies) + "round-trip min/avg/max = 1/2/3 ms\n"),
-        c.replies + std::string("round-trip min/avg/max/stddev = 1/2/3/") + c.deviation + " ms\n");
+    EXPECT_EQ(adapt(output + "round-trip min/avg/max = 1/2/3 ms, and more\n"),
+              output + "round-trip min/avg/max/stddev = 1/2/3/" + c.deviation + " ms, and more\n");
+  }
+}
+
+TEST(PingSummary, GetsNoDeviationWhereTheTimeOfAReplyIsMissing) {
+  const struct {
+    const char* replies;
+    const char* received;
+  } cases[] = {
+      {"", "1 packets received"},  // as with -q
+      {"", "0 packets received"},
+      {"seq=1 time=1 ms\n", "2 packets received"},
+      {"seq=0 time=1 ms\nseq=1 time<1 ms\n", "2 packets received"},
+      {"seq=0 time=1 ms\nseq=1 time= ms\n", "2 packets received"},
+      {"seq=0 time=1 ms\nseq=1 time=2 s\n", "2 packets received"},
+      {"seq=0 time=1 ms\nseq=1 ttl=64\n", "2 packets received"},
+      {"seq=0 time=1 ms\n", "1 packets received, 1 duplicates"},
+      {"seq=0 time=1 ms\n", "1 received"},  // not as busybox says it
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.replies);
+    const std::string output = std::string(c.replies) + "2 packets transmitted, " + c.received +
+                               ", 7% packet loss\nround-trip min/avg/max = 1/2/3 ms\n";
+
+    EXPECT_EQ(adapt(output), output);
   }
 }
 

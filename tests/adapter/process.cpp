@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,7 +23,7 @@ struct Pipe {
 
 Pipe makePipe() {
   int ends[2];
-  EXPECT_EQ(pipe(ends), 0);
+  EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
   return {ends[0], ends[1]};
 }
 
@@ -39,7 +45,7 @@ std::string readToEnd(int descriptor) {
 
 [[noreturn]] void execute(std::vector<std::string> arguments) {
   const std::string path = arguments[0];
-  arguments[0] = "ping";
+  arguments[0] = std::filesystem::path(path).filename();
   std::vector<char*> pointers;
   pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) {
@@ -51,6 +57,24 @@ std::string readToEnd(int descriptor) {
   std::_Exit(EXIT_FAILURE);
 }
 
+std::vector<std::string> childrenOf(pid_t process) {
+  const std::string id = std::to_string(process);
+  std::istringstream children(readFile("/proc/" + id + "/task/" + id + "/children"));
+  return {std::istream_iterator<std::string>(children), {}};
+}
+
+/// The letter that /proc has for what `process` does.
+char stateOf(const std::string& process) {
+  const std::string stat = readFile("/proc/" + process + "/stat");
+  return stat[stat.rfind(')') + 2];
+}
+
+/// Waits until `process` waits for something, or has ended.
+void awaitSleep(const std::string& process) {
+  while (stateOf(process) == 'R') {
+  }
+}
+
 }  // namespace
 
 std::string readFile(const std::string& path) {
@@ -59,6 +83,23 @@ std::string readFile(const std::string& path) {
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
+}
+
+Terminal::Terminal() : keyboard(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+  EXPECT_EQ(grantpt(keyboard), 0);
+  EXPECT_EQ(unlockpt(keyboard), 0);
+}
+
+Terminal::~Terminal() {
+  close(keyboard);
+}
+
+void Terminal::become(int descriptor) const {
+  dup2(open(ptsname(keyboard), O_RDWR), descriptor);
+}
+
+void Terminal::press(char key) const {
+  EXPECT_EQ(write(keyboard, &key, 1), 1);
 }
 
 Process::Process(const std::vector<std::string>& arguments, const std::function<void()>& prepare) {
@@ -97,6 +138,16 @@ std::string Process::readLine() const {
   return line;
 }
 
+std::string Process::readBytes(std::size_t size) const {
+  std::string bytes(size, '\0');
+  std::size_t count = 0;
+  for (ssize_t length = 1; length > 0 && count < size;) {
+    length = read(output, bytes.data() + count, size - count);
+    count += static_cast<std::size_t>(std::max<ssize_t>(length, 0));
+  }
+  return bytes.substr(0, count);
+}
+
 std::string Process::readOutput() const {
   return readToEnd(output);
 }
@@ -118,17 +169,49 @@ void Process::sendSignal(int signal) const {
   EXPECT_EQ(kill(process, signal), 0);
 }
 
-void Process::awaitSleepOfChild() const {
-  const std::string id = std::to_string(process);
-  const std::string child = readFile("/proc/" + id + "/task/" + id + "/children");
-  const std::string stat = "/proc/" + child.substr(0, child.find(' ')) + "/stat";
-  while (readFile(stat).find(") R ") != std::string::npos) {
+void Process::stop() const {
+  sendSignal(SIGSTOP);
+  siginfo_t state = {};
+  EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process), &state, WSTOPPED), 0);
+}
+
+void Process::awaitSleepOfTool() const {
+  awaitSleep(childrenOf(process).back());
+}
+
+void Process::awaitEndOfFilter() const {
+  const std::string filter = childrenOf(process).front();
+  while (stateOf(filter) != 'Z') {
+  }
+  awaitSleep(std::to_string(process));
+}
+
+void Process::awaitFullOutput() const {
+  for (int size = -1; size < fcntl(output, F_GETPIPE_SZ);) {
+    ASSERT_EQ(ioctl(output, FIONREAD, &size), 0);
   }
 }
 
-std::string Process::end() const {
+void Process::awaitUnblocked(int signal) const {
+  const std::string path = "/proc/" + std::to_string(process) + "/status";
+  const std::string label = "SigBlk:";
+  unsigned long long blocked = ~0ULL;
+  while ((blocked >> (signal - 1)) % 2 != 0) {
+    const std::string status = readFile(path);
+    blocked = std::stoull(status.substr(status.find(label) + label.size()), nullptr, 16);
+  }
+}
+
+std::string Process::end() {
   int status = 0;
-  EXPECT_EQ(waitpid(process, &status, 0), process);
+  EXPECT_EQ(wait4(process, &status, 0, &usage), process);
   return WIFSIGNALED(status) ? "killed by signal " + std::to_string(WTERMSIG(status))
                              : "exit status " + std::to_string(WEXITSTATUS(status));
+}
+
+double Process::busySeconds() const {
+  const timeval& user = usage.ru_utime;
+  const timeval& system = usage.ru_stime;
+  return static_cast<double>(user.tv_sec + system.tv_sec) +
+         static_cast<double>(user.tv_usec + system.tv_usec) / 1e6;
 }

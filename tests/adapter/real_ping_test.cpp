@@ -149,12 +149,37 @@ TEST_P(RealPing, StillPrintsItsSummaryWhenItIsInterrupted) {
   EXPECT_EQ(adapter.readLine(), firstLine(GetParam()));
   EXPECT_EQ(withoutTimes(adapter.readLine()), replyLine(GetParam(), 0));
   // Busybox prints from its signal handler, which spoils a line that it is just printing.
-  adapter.awaitSleepOfChild();
+  adapter.awaitSleepOfTool();
 
   adapter.sendSignal(SIGINT);
 
   EXPECT_EQ(withoutTimes(adapter.readOutput()), lastLines(GetParam(), 1));
   EXPECT_EQ(adapter.readErrors(), "");
+  EXPECT_EQ(adapter.end(), "exit status 0");
+}
+
+// Where the key is not ignored, it ends tee, and the summary is lost.
+TEST_P(RealPing, LeavesItsSummaryToATeeThatIgnoresTheInterruptKey) {
+  const std::string file = directory / "kept";
+  const std::string command =
+      std::string("exec ") + PING_ADAPTER + " -i 50 127.0.0.1 > >(exec /usr/bin/tee " + file + ")";
+  const Terminal terminal;
+  Process adapter({"/bin/bash", "-c", command}, [&terminal] {
+    terminal.become(STDIN_FILENO);
+    std::signal(SIGINT, SIG_IGN);
+    // The end of the adapter, which is the first process at the terminal here, is a hang-up to tee.
+    std::signal(SIGHUP, SIG_IGN);
+  });
+  std::string output = adapter.readLine();
+  output += adapter.readLine();
+  adapter.awaitSleepOfTool();
+
+  terminal.press('\x03');
+
+  output += adapter.readOutput();
+  EXPECT_EQ(withoutTimes(output),
+            firstLine(GetParam()) + replyLine(GetParam(), 0) + lastLines(GetParam(), 1));
+  EXPECT_EQ(readFile(file), output);
   EXPECT_EQ(adapter.end(), "exit status 0");
 }
 
@@ -185,6 +210,18 @@ class IputilsPing : public RealPing {
  protected:
   void SetUp() override { putBehindAdapter(kImplementations[0]); }
 };
+
+TEST_F(IputilsPing, StillPrintsItsSummaryWhenItsTimeIsOver) {
+  setenv("CONNTESTER_GRACE_SECONDS", "1", 1);
+  Process adapter({PING_ADAPTER, "-c", "2", "-i", "50", "127.0.0.1"});
+
+  EXPECT_EQ(withoutTimes(adapter.readOutput()), firstLine(kImplementations[0]) +
+                                                    replyLine(kImplementations[0], 0) +
+                                                    lastLines(kImplementations[0], 1));
+  EXPECT_EQ(adapter.readErrors(),
+            "ping adapter: ping had not ended after 3 seconds and was interrupted\n");
+  EXPECT_EQ(adapter.end(), "exit status 0");
+}
 
 TEST_F(IputilsPing, PrintsInterimStatisticsWhenItIsAskedToQuit) {
   Process adapter({PING_ADAPTER, "-i", "50", "127.0.0.1"},
