@@ -29,4 +29,16 @@ LeaveNothingButTheDirectories() {
   expect_traces all_off
 }
 
+LeaveTheStatusAloneWhereTheDirectoriesCannotBeMade() {
+  configure doPingTests=false doIperf3Tests=false
+  touch /tmp/home/Library
+
+  run 10.0.0.5
+
+  expect_status 0
+  expect_file /tmp/fake/errors \
+    <<<"mkdir: cannot create directory '/tmp/home/Library': Not a directory"
+  expect_console all_off
+}
+
 run_test "$@"
