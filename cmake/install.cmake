@@ -30,7 +30,8 @@ if(TARGET pingAdapter)
   install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
   install(TARGETS iperf3Adapter DESTINATION ${programs}/iperf3-adapter)
 endif()
-install(PROGRAMS packaging/with-ping-adapter ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
+install(PROGRAMS packaging/in-session packaging/with-ping-adapter
+  ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
 install(FILES
   packaging/connTester.conf

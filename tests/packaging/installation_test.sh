@@ -8,6 +8,7 @@ lib/systemd/user/connTester@.service
 lib/systemd/user/connTester@.timer
 libexec/connTester/connTester
 libexec/connTester/fixed-paths
+libexec/connTester/in-session
 libexec/connTester/iperf3-adapter/iperf3
 libexec/connTester/manifest
 libexec/connTester/ping-adapter/ping

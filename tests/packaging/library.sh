@@ -41,6 +41,14 @@ provide() {
   done
 }
 
+# Has `date` tell the given time. What may stand there is a link to the machine's own.
+stop_clock() {
+  rm -f /tmp/bin/date
+  printf '#!/bin/sh\nexec %s --date "%s" "$@"\n' "$(PATH=$machine_path command -v date)" "$1" \
+    >/tmp/bin/date
+  chmod +x /tmp/bin/date
+}
+
 # Prints the names in a folder, as `ls -A` does, whose system call not every proot knows.
 names_in() {
   find "$1" -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort
@@ -49,4 +57,34 @@ names_in() {
 # Prints the events of the program, without those of the ping that is tried before it.
 program_events() {
   grep '^connTester' /tmp/fake/events || true
+}
+
+# Makes two FIFOs: what a test starts in the background says in "begun" that it has begun, and reads
+# "gate" to last until `open_gate`, or until the test ends. It must not inherit file 8.
+make_gate() {
+  mkfifo /tmp/fake/begun /tmp/fake/gate
+  exec 8<>/tmp/fake/gate
+}
+
+wait_until_begun() {
+  read -r _ </tmp/fake/begun
+}
+
+open_gate() {
+  echo >&8
+}
+
+# Waits, five seconds at most, until a command succeeds.
+wait_until() {
+  local tries=100
+  until "$@"; do
+    ((--tries > 0)) || fail "never came: $*"
+    sleep 0.05
+  done
+}
+
+# Prints the states of the processes in a session, as /proc has them, without those that are dead.
+states_in_session() {
+  cat /proc/[0-9]*/stat 2>/dev/null | sed 's/.*) //' |
+    awk -v session="$1" '$4 == session && $1 != "Z" { print $1 }'
 }

@@ -1,0 +1,314 @@
+#!/usr/bin/env bash
+# The script that runs a command in a session of its own and passes signals on.
+#
+# shellcheck disable=SC2016 # what stands in single quotes is for others to expand
+source "$(dirname "$0")/library.sh"
+
+tester=("$packaging/in-session")
+
+# A command that lasts, with a tool and a reader of it, and goes on when they have ended.
+lasting='echo $$ >/tmp/fake/session
+sh -c "echo >/tmp/fake/begun; read -r _ </tmp/fake/gate" | cat
+echo next'
+
+# A tool that has a summary to print when it is interrupted, as ping has.
+pinging='$SIG{INT} = sub { print "summary\n"; exit }; $| = 1; print "reply\n";
+open my $begun, ">", "/tmp/fake/begun"; print $begun "\n"; close $begun;
+open my $gate, "<", "/tmp/fake/gate"; <$gate>'
+
+# Starts a session in the background, where bash leaves it its signals, and waits until it has begun.
+start_session() {
+  make_gate
+  set -m
+  "${tester[@]}" "$@" >/tmp/fake/console 2>/tmp/fake/errors 8>&- &
+  started=$!
+  set +m
+  wait_until_begun
+}
+
+wait_for_end() {
+  status=0
+  wait "$started" || status=$?
+}
+
+# Whether nothing lives in the session whose leader is in the given file.
+is_over() {
+  [[ -z $(states_in_session "$(cat "$1")") ]]
+}
+
+expect_nothing_left() {
+  is_over /tmp/fake/session || fail "the session has not ended"
+}
+
+PassesArgumentsOutputAndExitStatusThrough() {
+  run sh -c 'printf "[%s]" "$@"; echo complaint >&2; exit 3' sh 'a  b' '' '*'
+
+  expect_status 3
+  expect_file /tmp/fake/console < <(printf '[a  b][][*]')
+  expect_file /tmp/fake/errors <<<complaint
+}
+
+NeedsACommand() {
+  run
+
+  expect_status 2
+  expect_file /tmp/fake/errors <<<'usage: in-session COMMAND [ARGUMENT...]'
+}
+
+GivesItsCommandNothingToRead() {
+  run cat <<<text
+
+  expect_status 0
+  expect_file /tmp/fake/console </dev/null
+}
+
+# Prints the session of the command, which is that of its own process.
+expect_own_session() {
+  run sh -c 'echo $$; cut -d " " -f 6 "/proc/$$/stat"'
+
+  expect_status 0
+  local leader
+  leader=$(head -n 1 /tmp/fake/console)
+  expect_file /tmp/fake/console <<<"$leader"$'\n'"$leader"
+}
+
+MakesItsCommandTheLeaderOfASession() {
+  expect_own_session
+}
+
+MakesItsCommandTheLeaderOfASessionWithPerlInPlaceOfSetsid() {
+  need perl
+  provide cut env perl sh
+  tester=(env PATH=/tmp/bin "${tester[@]}")
+
+  expect_own_session
+}
+
+DiesByTheSignalThatItsCommandDiesBy() {
+  need perl
+  tester=(perl -e 'exit 100 + (127 & system @ARGV)' "${tester[@]}")
+
+  local signal
+  for signal in ABRT KILL PIPE TERM; do
+    run sh -c "kill -$signal \$\$"
+
+    expect_status "$((100 + $(kill -l "$signal")))"
+    expect_file /tmp/fake/errors </dev/null
+  done
+}
+
+EndsWhatACommandThatIsKilledLeaves() {
+  make_gate
+
+  run sh -c 'echo $$ >/tmp/fake/session; sh -c "read -r _ </tmp/fake/gate" & kill -KILL $$' 8>&-
+
+  expect_status 137
+  expect_nothing_left
+}
+
+# Ends a session by a signal to the script alone.
+expect_end_by() {
+  start_session sh -c "$lasting"
+
+  kill "-$1" "$started"
+
+  wait_for_end
+  expect_status "$((128 + $(kill -l "$1")))"
+  expect_file /tmp/fake/console </dev/null
+  expect_file /tmp/fake/errors </dev/null
+  expect_nothing_left
+}
+
+IsEndedByATermination() {
+  expect_end_by TERM
+}
+
+IsEndedByAHangup() {
+  expect_end_by HUP
+}
+
+IsEndedByAnAlarm() {
+  expect_end_by ALRM
+}
+
+IsEndedByAQuit() {
+  expect_end_by QUIT
+}
+
+KillsWhatDoesNotEndByATermination() {
+  start_session sh -c "trap '' TERM; $lasting"
+
+  kill -TERM "$started"
+
+  wait_for_end
+  expect_status 143
+  wait_until is_over /tmp/fake/session
+}
+
+DoesNotWaitForAZombie() {
+  need perl
+  local unreaped='fork or sleep 600; setpgrp; open my $begun, ">", "/tmp/fake/begun";
+    print $begun "\n"; close $begun; open my $gate, "<", "/tmp/fake/gate"; <$gate>'
+  start_session sh -c 'perl -e "$1"; echo next' sh "$unreaped"
+  SECONDS=0
+
+  kill -TERM "$started"
+
+  wait_for_end
+  expect_status 143
+  ((SECONDS < 4)) || fail "it took $SECONDS seconds"
+}
+
+GoesOnAfterAnInterrupt() {
+  need perl
+  start_session sh -c 'perl -e "$1" | tee /tmp/fake/copy; echo next' sh "$pinging"
+
+  kill -INT "$started"
+
+  wait_for_end
+  expect_status 0
+  expect_file /tmp/fake/console <<<$'reply\nsummary\nnext'
+  expect_file /tmp/fake/copy <<<$'reply\nsummary'
+  expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
+' ^C again ends it'
+}
+
+IsEndedByASecondInterrupt() {
+  start_session sh -c "$lasting"
+
+  kill -INT "$started"
+  wait_until test -s /tmp/fake/errors
+  kill -INT "$started"
+
+  wait_for_end
+  expect_status 130
+  expect_file /tmp/fake/console </dev/null
+  expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
+' ^C again ends it'
+  expect_nothing_left
+}
+
+# Whether all of the session is in one of the given states.
+is_in_state() {
+  local states
+  states=$(states_in_session "$(cat /tmp/fake/session)")
+  [[ -n $states && -z ${states//[$1$'\n']/} ]]
+}
+
+StopsAndContinuesTheSession() { # --untraced
+  start_session sh -c "$lasting"
+
+  kill -TSTP "$started"
+  wait_until is_in_state T
+  kill -CONT "$started"
+  wait_until is_in_state RSD
+  open_gate
+
+  wait_for_end
+  expect_status 0
+  expect_file /tmp/fake/console <<<next
+}
+
+# Starts a session on a terminal of its own, whose keys are what is written to file 7, and waits until
+# it shows the given text: a key may throw away what it has not shown yet.
+start_on_terminal() {
+  need script
+  make_gate
+  mkfifo /tmp/fake/keys
+  exec 7<>/tmp/fake/keys
+  printf '%s\n' 'echo $$ >/tmp/fake/terminal' "exec $packaging/in-session $2" >/tmp/work/command
+  set -m
+  script --quiet --return --command 'sh /tmp/work/command' /dev/null \
+    <&7 >/tmp/fake/console 7>&- 8>&- &
+  started=$!
+  set +m
+  wait_until_begun
+  wait_until shows "$1"
+}
+
+shows() {
+  grep --quiet --fixed-strings "$1" /tmp/fake/console
+}
+
+press() {
+  printf '%b' "$1" >&7
+}
+
+# Compares what the terminal has shown.
+expect_terminal() {
+  expect_file <(tr -d '\r' </tmp/fake/console)
+}
+
+start_pinging_on_terminal() {
+  need perl
+  echo "$pinging" >/tmp/work/pinging
+  start_on_terminal reply "sh -c 'perl /tmp/work/pinging | tee /tmp/fake/copy; echo next'"
+}
+
+start_lasting_on_terminal() {
+  echo "echo lasting; $lasting" >/tmp/work/lasting
+  start_on_terminal lasting 'sh /tmp/work/lasting'
+}
+
+GoesOnAfterTheInterruptKey() {
+  start_pinging_on_terminal
+
+  press '\003'
+
+  wait_for_end
+  expect_status 0
+  expect_terminal <<'END'
+reply
+^CconnTester: interrupted: the run goes on with the next step; ^C again ends it
+summary
+next
+END
+  expect_file /tmp/fake/copy <<<$'reply\nsummary'
+}
+
+IsEndedByASecondInterruptKey() {
+  start_lasting_on_terminal
+
+  press '\003'
+  wait_until shows again
+  press '\003'
+
+  wait_for_end
+  expect_status 130
+  expect_terminal < <(printf '%s\n' lasting \
+    '^CconnTester: interrupted: the run goes on with the next step; ^C again ends it' && printf '^C')
+  expect_nothing_left
+}
+
+IsEndedByTheQuitKey() {
+  start_lasting_on_terminal
+
+  press '\034'
+
+  wait_for_end
+  expect_status 131
+  expect_nothing_left
+}
+
+GoesOnAfterTheStopKeyWhereNobodyCouldContinueIt() {
+  start_lasting_on_terminal
+
+  press '\032'
+  wait_until shows '^Z'
+  open_gate
+
+  wait_for_end
+  expect_status 0
+  expect_terminal <<<$'lasting\n^Znext'
+}
+
+IsEndedByAClosedTerminal() {
+  start_lasting_on_terminal
+
+  kill -KILL "$started"
+
+  wait_until is_over /tmp/fake/session
+  wait_until is_over /tmp/fake/terminal
+}
+
+run_test "$@"
