@@ -30,8 +30,7 @@ if(TARGET pingAdapter)
   install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
   install(TARGETS iperf3Adapter DESTINATION ${programs}/iperf3-adapter)
 endif()
-install(PROGRAMS packaging/in-session packaging/with-ping-adapter
-  ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
+install(PROGRAMS packaging/in-session ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
 install(FILES
   packaging/connTester.conf

@@ -13,7 +13,6 @@ libexec/connTester/iperf3-adapter/iperf3
 libexec/connTester/manifest
 libexec/connTester/ping-adapter/ping
 libexec/connTester/uninstall
-libexec/connTester/with-ping-adapter
 share/connTester/connTester.conf
 share/connTester/connTester.crontab
 share/connTester/connTester.plist

@@ -54,11 +54,6 @@ names_in() {
   find "$1" -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort
 }
 
-# Prints the events of the program, without those of the ping that is tried before it.
-program_events() {
-  grep '^connTester' /tmp/fake/events || true
-}
-
 # Makes two FIFOs: what a test starts in the background says in "begun" that it has begun, and reads
 # "gate" to last until `open_gate`, or until the test ends. It must not inherit file 8.
 make_gate() {

@@ -43,7 +43,7 @@ ServiceRunsTheTesterAgainstItsInstance() {
   run PATH=/usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
 
   expect_status 0
-  expect_file <(program_events) <<<'connTester [192.168.1.10]'
+  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
 }
 
 # Another systemd may rate it a little otherwise than the unit says.
@@ -107,7 +107,7 @@ CrontabLineRunsTheTesterSilently() {
   expect_status 0
   expect_file /tmp/fake/console </dev/null
   expect_file /tmp/fake/errors </dev/null
-  expect_file <(program_events) <<<'connTester [192.168.1.10]'
+  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
 }
 
 CrontabLineEndsARunThatTakesTooLong() {
@@ -139,7 +139,7 @@ LaunchdAgentRunsTheTesterEveryHour() {
   run PATH=/usr/local/bin:/usr/bin:/bin "${arguments[@]}"
 
   expect_status 3
-  expect_file <(program_events) <<<'connTester [192.168.1.10]'
+  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
   expect_file <(agent_value StartCalendarInterval) <<<"{'Minute': 17}"
   expect_file <(agent_value Label) <<<connTester
 }

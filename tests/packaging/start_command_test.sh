@@ -19,7 +19,7 @@ PassesAddressOutputAndExitStatusThrough() {
   expect_status 3
   expect_file /tmp/fake/console <<<result
   expect_file /tmp/fake/errors <<<complaint
-  expect_file <(program_events) <<<'connTester [192.168.1.10]'
+  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
 }
 
 PassesNoAddressThrough() {
@@ -28,7 +28,7 @@ PassesNoAddressThrough() {
   run
 
   expect_status 0
-  expect_file <(program_events) <<<connTester
+  expect_file /tmp/fake/events <<<connTester
 }
 
 RunsInTheLogDirectory() {
@@ -65,7 +65,7 @@ TakesEveryAddress() {
     expect_status 0
     expect_file /tmp/fake/errors </dev/null
   done
-  expect_file <(program_events) < <(printf 'connTester [%s]\n' "${addresses[@]}")
+  expect_file /tmp/fake/events < <(printf 'connTester [%s]\n' "${addresses[@]}")
 }
 
 RefusesWhatNoAddressCanBe() {
@@ -425,8 +425,7 @@ expect_one_run_at_a_time() {
   rm /tmp/fake/connTester.end
   run 10.0.0.7
   expect_status 0
-  program_events >/tmp/fake/program_events
-  expect_file /tmp/fake/program_events <<<$'connTester [10.0.0.5]\nconnTester [10.0.0.7]'
+  expect_file /tmp/fake/events <<<$'connTester [10.0.0.5]\nconnTester [10.0.0.7]'
 }
 
 LetsInOneRunAtATime() {
@@ -617,21 +616,12 @@ KeepsThePingsThatCameBackBeforeAnInterrupt() { # --own-network
   [[ $result =~ ^$whole_result$ ]] || fail "no latency: $result"
 }
 
-PutsTheAdapterFirstWhereThePingNeedsIt() {
+PutsThePingAdapterFirst() {
   install_fake_program 'command -v ping'
-  sed -i 's/^round-trip/rtt/' /tmp/fake/ping.out
 
   run 10.0.0.5
 
   expect_file /tmp/fake/console <<<"$programs/ping-adapter/ping"
-}
-
-LeavesAPingAloneThatIsUnderstood() {
-  install_fake_program 'command -v ping'
-
-  run 10.0.0.5
-
-  expect_file /tmp/fake/console <<</tmp/bin/ping
 }
 
 FindsItsProgramThroughALink() {
