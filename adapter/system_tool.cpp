@@ -43,7 +43,7 @@ std::string fileKey(const std::string& path) {
 
 /// The key of this program's own file.
 std::string ownKey(const std::string& name) {
-  const std::string key = fileKey(kOwnFile);
+  std::string key = fileKey(kOwnFile);
   if (key.empty()) {
     giveUp(name, cannot(std::string("tell which file it is itself from ") + kOwnFile),
            kCannotRunStatus);

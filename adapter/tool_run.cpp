@@ -100,7 +100,8 @@ bool hasFailed(pid_t process) {
 bool passSignalOn(const ToolRun& run, Clock::time_point deadline) {
   const Clock::duration left = std::max(deadline - Clock::now(), Clock::duration::zero());
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
-  const timespec timeout = {seconds.count(), std::chrono::nanoseconds(left - seconds).count()};
+  const std::chrono::nanoseconds rest = left - seconds;
+  const timespec timeout = {seconds.count(), rest.count()};
   siginfo_t info = {};
   const int signal = sigtimedwait(&run.signals, &info, &timeout);
   // From the kernel come the end of a child and the keys at the terminal; the tool has got those.
