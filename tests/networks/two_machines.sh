@@ -2,6 +2,7 @@
 # A network of two machines: this workstation (10.9.0.1, fd00::1), and a server (10.9.0.2, fd00::2) at the
 # other end of a cable. Sourced behind support/private_machine --own-network.
 
+# shellcheck disable=SC2034 # used by the scripts
 server=10.9.0.2
 server_log=/tmp/server.log
 
@@ -30,6 +31,7 @@ lay_cable() {
 start_server() {
   : >"$server_log"
   nsenter --target "$server_machine" --net iperf3 --server --forceflush >"$server_log" 2>&1 &
+  # shellcheck disable=SC2034 # used by the scripts
   server_process=$!
   until grep --quiet '^Server listening' "$server_log"; do sleep 0.01; done
 }
