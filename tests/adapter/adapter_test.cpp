@@ -294,7 +294,7 @@ TEST_P(Adapter, EndsByASignalAlsoWhereNobodyTakesItsMessage) {
     EXPECT_EQ(write(STDERR_FILENO, text.data(), text.size()), capacity);
   });
   EXPECT_EQ(process.readLine(), "ready\n");
-  process.awaitUnblocked(SIGTERM);
+  process.awaitEndOfChildren();
 
   process.sendSignal(SIGTERM);
 

@@ -75,6 +75,12 @@ void awaitSleep(const std::string& process) {
   }
 }
 
+/// Waits until `process`, a child that is not reaped, has ended.
+void awaitEnd(const std::string& process) {
+  while (stateOf(process) != 'Z') {
+  }
+}
+
 }  // namespace
 
 std::string readFile(const std::string& path) {
@@ -180,8 +186,13 @@ void Process::awaitSleepOfTool() const {
 }
 
 void Process::awaitEndOfFilter() const {
-  const std::string filter = childrenOf(process).front();
-  while (stateOf(filter) != 'Z') {
+  awaitEnd(childrenOf(process).front());
+  awaitSleep(std::to_string(process));
+}
+
+void Process::awaitEndOfChildren() const {
+  for (const std::string& child : childrenOf(process)) {
+    awaitEnd(child);
   }
   awaitSleep(std::to_string(process));
 }
@@ -189,16 +200,6 @@ void Process::awaitEndOfFilter() const {
 void Process::awaitFullOutput() const {
   for (int size = -1; size < fcntl(output, F_GETPIPE_SZ);) {
     ASSERT_EQ(ioctl(output, FIONREAD, &size), 0);
-  }
-}
-
-void Process::awaitUnblocked(int signal) const {
-  const std::string path = "/proc/" + std::to_string(process) + "/status";
-  const std::string label = "SigBlk:";
-  unsigned long long blocked = ~0ULL;
-  while ((blocked >> (signal - 1)) % 2 != 0) {
-    const std::string status = readFile(path);
-    blocked = std::stoull(status.substr(status.find(label) + label.size()), nullptr, 16);
   }
 }
 

@@ -56,12 +56,12 @@ class Process {
   void stop() const;
   /// Waits until the tool, the program's last child, waits for something, or has ended.
   void awaitSleepOfTool() const;
-  /// Waits until the filter, the program's first child, has ended and the program knows.
+  /// Waits until the filter, the program's first child, has ended, and the program has seen it.
   void awaitEndOfFilter() const;
+  /// Waits until all children of the program have ended, and it has seen that.
+  void awaitEndOfChildren() const;
   /// Waits until nothing more can be written to the output.
   void awaitFullOutput() const;
-  /// Waits until the program no longer holds `signal` back.
-  void awaitUnblocked(int signal) const;
 
   /// Waits for the end: "exit status 0", "killed by signal 15".
   std::string end();

@@ -41,7 +41,7 @@ class RealIperf3 : public testing::Test {
     } while (line.find(text) == std::string::npos);
   }
 
-  const Process server{{IPERF3, "-s", "--forceflush"}};
+  const Process server{{IPERF3, "-s", "--forceflush", "-i", "0.1"}};
 };
 
 TEST_F(RealIperf3, PrintsWhatItPrintsAlone) {
