@@ -97,6 +97,17 @@ DiesByTheSignalThatItsCommandDiesBy() {
   done
 }
 
+DiesByASignalAlsoWhereItMaySetNoLimits() { # --untraced
+  need strace
+  tester=(strace -f -o /dev/null -e trace=prlimit64,setrlimit
+    -e inject=prlimit64,setrlimit:error=EPERM "${tester[@]}")
+
+  run sh -c 'kill -TERM $$'
+
+  expect_status 143
+  expect_file /tmp/fake/errors </dev/null
+}
+
 EndsWhatACommandThatIsKilledLeaves() {
   make_gate
 
