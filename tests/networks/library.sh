@@ -51,10 +51,12 @@ print_part() {
   ' "$1"
 }
 
-# Prints the report's error. That a server was killed is seen in two ways, and either may come first.
+# Prints the report's error, without the advice that newer releases give. That a server was killed is
+# seen in two ways, and either may come first.
 print_error() {
   sed -n 's/^\t*"error":[\t ]*"\(.*\)".*/\1/p' "$1" | mask |
-    sed 's/unable to write to stream socket: Connection reset by peer/control socket has closed unexpectedly/'
+    sed 's/ - server may have stopped running or use a different port, firewall issue, etc\.//
+      s/unable to write to stream socket: Connection reset by peer/control socket has closed unexpectedly/'
 }
 
 print_run() {

@@ -229,7 +229,7 @@ start_on_terminal() {
   exec 7<>/tmp/fake/keys
   printf '%s\n' 'echo $$ >/tmp/fake/terminal' "exec $packaging/in-session $2" >/tmp/work/command
   set -m
-  script --quiet --return --command 'sh /tmp/work/command' /dev/null \
+  script --quiet --return --command 'exec sh /tmp/work/command' /dev/null \
     <&7 >/tmp/fake/console 7>&- 8>&- &
   started=$!
   set +m
