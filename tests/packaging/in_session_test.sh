@@ -99,8 +99,7 @@ DiesByTheSignalThatItsCommandDiesBy() {
 
 DiesByASignalAlsoWhereItMaySetNoLimits() { # --untraced
   need strace
-  tester=(strace -f -o /dev/null -e trace=prlimit64,setrlimit
-    -e inject=prlimit64,setrlimit:error=EPERM "${tester[@]}")
+  tester=(strace -f -o /dev/null -e trace=prlimit64 -e inject=prlimit64:error=EPERM "${tester[@]}")
 
   run sh -c 'kill -TERM $$'
 
@@ -156,6 +155,24 @@ KillsWhatDoesNotEndByATermination() {
   wait_until is_over /tmp/fake/session
 }
 
+# Whether a process has died, reaped or not.
+is_dead() {
+  [[ ! -e /proc/$1 ]] || grep --quiet '^State:.Z' "/proc/$1/status"
+}
+
+IsEndedBeforeItsCommandLeadsTheSession() {
+  printf '%s\n' '#!/bin/sh' 'echo $$ >/tmp/fake/alone' 'echo >/tmp/fake/begun' 'read -r _ </tmp/fake/gate' \
+    >/tmp/bin/setsid
+  chmod +x /tmp/bin/setsid
+  start_session true
+
+  kill -TERM "$started"
+
+  wait_for_end
+  expect_status 143
+  wait_until is_dead "$(cat /tmp/fake/alone)"
+}
+
 DoesNotWaitForAZombie() {
   need perl
   local unreaped='fork or sleep 600; setpgrp; open my $begun, ">", "/tmp/fake/begun";
@@ -182,6 +199,24 @@ GoesOnAfterAnInterrupt() {
   expect_file /tmp/fake/copy <<<$'reply\nsummary'
   expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
 ' ^C again ends it'
+}
+
+GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
+  mkfifo /tmp/fake/unread
+  exec 5<>/tmp/fake/unread 6>/tmp/fake/unread 5<&-
+  make_gate
+  set -m
+  "${tester[@]}" sh -c "$lasting" >/tmp/fake/console 2>&6 8>&- &
+  started=$!
+  set +m
+  wait_until_begun
+
+  kill -INT "$started"
+  open_gate
+
+  wait_for_end
+  expect_status 0
+  expect_file /tmp/fake/console <<<next
 }
 
 IsEndedByASecondInterrupt() {
