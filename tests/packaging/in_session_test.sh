@@ -203,7 +203,9 @@ GoesOnAfterAnInterrupt() {
 
 GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
   mkfifo /tmp/fake/unread
-  exec 5<>/tmp/fake/unread 6>/tmp/fake/unread 5<&-
+  exec 5<>/tmp/fake/unread
+  exec 6>/tmp/fake/unread
+  exec 5<&-
   make_gate
   set -m
   "${tester[@]}" sh -c "$lasting" >/tmp/fake/console 2>&6 8>&- &
