@@ -161,8 +161,8 @@ is_dead() {
 }
 
 IsEndedBeforeItsCommandLeadsTheSession() {
-  printf '%s\n' '#!/bin/sh' 'echo $$ >/tmp/fake/alone' 'echo >/tmp/fake/begun' 'read -r _ </tmp/fake/gate' \
-    >/tmp/bin/setsid
+  printf '%s\n' '#!/bin/sh' 'echo $$ >/tmp/fake/alone' 'echo >/tmp/fake/begun' \
+    'read -r _ </tmp/fake/gate' >/tmp/bin/setsid
   chmod +x /tmp/bin/setsid
   start_session true
 
@@ -204,21 +204,16 @@ GoesOnAfterAnInterrupt() {
 GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
   mkfifo /tmp/fake/unread
   exec 5<>/tmp/fake/unread
-  exec 6>/tmp/fake/unread
-  exec 5<&-
-  make_gate
-  set -m
-  "${tester[@]}" sh -c "$lasting" >/tmp/fake/console 2>&6 8>&- &
-  started=$!
-  set +m
-  wait_until_begun
+  exec 6>/tmp/fake/unread 5<&-
 
-  kill -INT "$started"
-  open_gate
+  local _
+  for _ in {1..20}; do
+    status=0
+    "${tester[@]}" sh -c 'kill -INT "$PPID"; sleep 0.05; echo next' >/tmp/fake/console 2>&6 || status=$?
 
-  wait_for_end
-  expect_status 0
-  expect_file /tmp/fake/console <<<next
+    expect_status 0
+    expect_file /tmp/fake/console <<<next
+  done
 }
 
 IsEndedByASecondInterrupt() {
