@@ -567,15 +567,79 @@ NamesNoProcessThatIsDeadWithoutProc() { # --without-proc
   NamesNoProcessThatIsDead
 }
 
-NamesNoProcessThatHasOnlyOpenedTheLock() {
+# Has a process in the lock's file that has something else open where a run has its lock.
+expect_unseen_beside() {
   hold_lock
   make_gate
-  read -r _ </tmp/fake/gate 7>&- 8>&- 9>>"$logs/connTester.lock" &
+  "$1" 7>&- 8>&- &
   echo "$! 2026-11-20 17:42:10" >"$logs/connTester.lock"
+  wait_until_begun
 
   expect_busy "$unseen"
+
   open_gate
   wait
+}
+
+open_lock() {
+  exec 9>>"$logs/connTester.lock"
+  echo >/tmp/fake/begun
+  read -r _ </tmp/fake/gate
+}
+
+NamesNoProcessThatHasOnlyOpenedTheLock() {
+  expect_unseen_beside open_lock
+}
+
+hold_another_lock() {
+  exec 9>>/tmp/fake/another.lock
+  flock 9
+  echo >/tmp/fake/begun
+  read -r _ </tmp/fake/gate
+}
+
+NamesNoProcessThatHoldsAnotherLock() {
+  expect_unseen_beside hold_another_lock
+}
+
+# Starts a run that finds the lock taken, and waits until it is about to try again.
+start_run_that_waits() {
+  make_gate
+  rm -f /tmp/bin/sleep
+  printf '%s\n' '#!/bin/sh' 'echo >/tmp/fake/begun' 'read -r _ </tmp/fake/gate' >/tmp/bin/sleep
+  chmod +x /tmp/bin/sleep
+  "${tester[@]}" 10.0.0.5 2>/tmp/fake/errors 7>&- 8>&- 9>&- &
+  wait_until_begun
+}
+
+wait_for_run() {
+  open_gate
+  status=0
+  wait "$!" || status=$?
+}
+
+TriesAgainWhenTheLockIsLetGo() {
+  hold_lock
+  start_run_that_waits
+
+  exec 7>&-
+
+  wait_for_run
+  expect_status 0
+  expect_file /tmp/fake/events <<<'connTester [10.0.0.5]'
+}
+
+LooksAgainWhoHasTakenTheLock() {
+  hold_lock
+  exec 9>&7
+  start_run_that_waits
+
+  echo "$$ 2026-11-20 17:42:10" >"$logs/connTester.lock"
+
+  wait_for_run
+  expect_status 75
+  expect_file /tmp/fake/errors \
+    <<<"connTester: another run of yours is in progress, as process $$ since 2026-11-20 17:42:10"
 }
 
 EndsItsProgramAndToolsAtATermination() {
@@ -608,7 +672,8 @@ KeepsThePingsThatCameBackBeforeAnInterrupt() { # --own-network
   expect_status 0
   expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
 ' ^C again ends it'
-  grep --quiet '^round-trip' "$logs/ping_latest.log" || fail "no summary: $(cat "$logs/ping_latest.log")"
+  grep --quiet '^round-trip' "$logs/ping_latest.log" ||
+    fail "no summary: $(cat "$logs/ping_latest.log")"
   expect_same "$logs/ping_latest.log" "$logs/ping_history_verbose.log"
   local result whole_result='Date = [0-9]{8}T[0-9]{6}, Latency = [0-9]+ ms, '
   whole_result+='Write Transfer Rate = n/a bps, Read Transfer Rate = n/a bps '
