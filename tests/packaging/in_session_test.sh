@@ -90,7 +90,7 @@ DiesByTheSignalThatItsCommandDiesBy() {
 
   local signal
   for signal in ABRT KILL PIPE TERM; do
-    run sh -c "kill -$signal \$\$"
+    run sh -c "sleep 0.1; kill -$signal \$\$"
 
     expect_status "$((100 + $(kill -l "$signal")))"
     expect_file /tmp/fake/errors </dev/null

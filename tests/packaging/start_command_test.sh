@@ -43,7 +43,6 @@ LeavesTheFileNamedNulInTheLogDirectory() {
   install_tester
   make_log_directories
   printf 'a line\n%.0s' {1..9} >"$logs/ping_history.log"
-  "$programs/fixed-paths" make
   configure doIperf3Tests=false
 
   run 192.168.1.10
