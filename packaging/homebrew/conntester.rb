@@ -10,7 +10,7 @@ class Conntester < Formula
   depends_on "iperf3"
 
   def install
-    system "cmake", "-S", ".", "-B", "build", "-DBUILD_TESTING=OFF", *std_cmake_args
+    system "cmake", "-S", ".", "-B", "build", *std_cmake_args
     system "cmake", "--build", "build"
     system "cmake", "--install", "build", "--component", "program"
   end
