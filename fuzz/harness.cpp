@@ -1,5 +1,6 @@
 #include "harness.h"
 
+#include "log_files.h"
 #include "run_state.h"
 #include "text_buffer.h"
 

@@ -1,5 +1,6 @@
 #include "history_files.h"
 
+#include "log_files.h"
 #include "shell.h"
 #include "text_buffer.h"
 #include "time_services.h"
@@ -9,44 +10,46 @@
 
 namespace {
 
-constexpr char kAppendForward[] =
-    "cat %siperf%d_latest_forward_csv.log >> %siperf%d_history_forward_csv.log\n";
-constexpr char kAppendReverse[] =
-    "cat %siperf%d_latest_reverse_csv.log >> %siperf%d_history_reverse_csv.log\n";
+// Required: the names are built for any version, also for that which writes no such file.
+constexpr char kAppend[] = "cat %siperf%d_latest_%s_csv.log >> %siperf%d_history_%s_csv.log\n";
 constexpr char kAppendEcho[] = "history file command: %s\n";
 
 // Required: the verb brings a blank of its own, and a POSIX shell writes a file named "nul".
 constexpr char kMoveVerb[] = "mv ";
-constexpr char kMove[] = "(%s \"%s\" \"%s%s_history_%s.log\") 2>nul\n";
-constexpr char kMoveForward[] = "(%s \"%s\" \"%s%s_history_forward_%s.log\") 2>nul\n";
-constexpr char kMoveReverse[] = "(%s \"%s\" \"%s%s_history_reverse_%s.log\") 2>nul\n";
-
+constexpr char kMove[] = "(%s \"%s\" \"%s%s_%s.log\") 2>nul\n";
 // Required: no quotes here, so that the shell splits a path at its blanks.
-constexpr char kMoveResults[] = "%s %s %sconnection_test_results_history_%s.log\n";
+constexpr char kMoveResults[] = "%s %s %s%s_%s.log\n";
 
-void formatMove(TEST_TYPE type, const char* historyPath, unsigned iperfVersion, bool reverse) {
+/// Returns what the names of an archived history begin with, or null for one that is not known.
+const char* archivedName(TEST_TYPE type, unsigned iperfVersion, bool reverse) {
   if (type == TEST_TYPE_RESULTS) {
-    formatInto(cmd, kMoveResults, kMoveVerb, historyPath, LOG_PATH_ARCHIVE, currentTimeStamp);
-  } else if (type == TEST_TYPE_PING) {
-    formatInto(cmd, kMove, kMoveVerb, historyPath, LOG_PATH_ARCHIVE, "ping", currentTimeStamp);
-  } else if (type == TEST_TYPE_IPERF && iperfVersion == 3) {
-    formatInto(cmd, reverse ? kMoveReverse : kMoveForward, kMoveVerb, historyPath, LOG_PATH_ARCHIVE,
-               "iperf3", currentTimeStamp);
-  } else if (type == TEST_TYPE_IPERF && iperfVersion == 2) {
-    formatInto(cmd, kMove, kMoveVerb, historyPath, LOG_PATH_ARCHIVE, "iperf2", currentTimeStamp);
+    return kResultHistory.archived;
   }
-  // Required: in any other case `cmd` keeps the command before, which then runs once more.
+  if (type == TEST_TYPE_PING) {
+    return kPingHistory.archived;
+  }
+  if (type == TEST_TYPE_IPERF && iperfVersion == 3) {
+    return directionFiles(reverse).history.archived;
+  }
+  if (type == TEST_TYPE_IPERF && iperfVersion == 2) {
+    return kIperf2History.archived;
+  }
+  return nullptr;
 }
 
 }  // namespace
 
 int read_latest_iperf_log_file(int iperfVersion, bool reverse) {
-  formatInto(cmd, reverse ? kAppendReverse : kAppendForward, LOG_PATH, iperfVersion, LOG_PATH,
-             iperfVersion);
+  const char* const direction = directionFiles(reverse).name;
+  formatInto(cmd, kAppend, LOG_PATH, iperfVersion, direction, LOG_PATH, iperfVersion, direction);
   if (ConfigurationParameters.debugPrintHistory) {
     std::printf(kAppendEcho, cmd);
   }
   return runCommand();
+}
+
+void formatLogPath(char (&path)[kPathCapacity], const char* name) {
+  formatInto(path, "%s%s", LOG_PATH, name);
 }
 
 bool writeText(const char* path, const char* mode, const char* text) {
@@ -70,8 +73,19 @@ unsigned countLines(const char* path) {
 
 void writeDatedLogFile(TEST_TYPE type, const char* historyPath, unsigned iperfVersion,
                        bool reverse) {
-  formatMove(type, historyPath, iperfVersion, reverse);
+  // Required: without a name `cmd` keeps the command before, which then runs once more.
+  if (const char* const name = archivedName(type, iperfVersion, reverse); name != nullptr) {
+    formatInto(cmd, type == TEST_TYPE_RESULTS ? kMoveResults : kMove, kMoveVerb, historyPath,
+               LOG_PATH_ARCHIVE, name, currentTimeStamp);
+  }
   getDateTimeString(currentTimeStamp);
   runCommand();
   std::puts(cmd);
+}
+
+void moveFullHistory(unsigned lines, TEST_TYPE type, const char* historyPath, unsigned iperfVersion,
+                     bool reverse) {
+  if (lines >= kFullHistoryLines) {
+    writeDatedLogFile(type, historyPath, iperfVersion, reverse);
+  }
 }

@@ -1,4 +1,4 @@
-// What the histories share: the append, the line count, the move into the archive.
+// What the histories share: their paths, the append, the line count, the move into the archive.
 //
 // Files: LOG_PATH "iperf<version>_history_<direction>_csv.log" (appended) and, in LOG_PATH_ARCHIVE,
 // "<kind>_history_<stamp>.log" (a full history, moved there).
@@ -9,6 +9,9 @@
 /// Appends the latest CSV file of one iperf direction to its history. Returns the shell's status.
 /// For version 2 no such file is ever written: `cat` says so, and an empty history appears.
 int read_latest_iperf_log_file(int iperfVersion, bool reverse);
+
+/// Writes the path of the file `name` in the log directory into `path`.
+void formatLogPath(char (&path)[kPathCapacity], const char* name);
 
 /// Writes `text` to the file at `path`, opened in `mode` ("w" to replace, "a" to append). Returns
 /// whether it could be opened.
@@ -26,3 +29,7 @@ unsigned countLines(const char* path);
 /// than 2 and 3 runs the command again that `cmd` holds.
 void writeDatedLogFile(TEST_TYPE type, const char* historyPath, unsigned iperfVersion,
                        bool reverse);
+
+/// The same, when the history has as many `lines` as make it full.
+void moveFullHistory(unsigned lines, TEST_TYPE type, const char* historyPath,
+                     unsigned iperfVersion = 0, bool reverse = false);

@@ -20,9 +20,6 @@ inline constexpr std::size_t kStampCapacity = 32;
 /// Longest text of an iperf record, without a terminator.
 inline constexpr std::size_t kTextWidth = 32;
 
-/// Lines at which a history moves to the archive, so that an archived file holds ten runs.
-inline constexpr unsigned kFullHistoryLines = 10;
-
 /// The kinds of history that writeDatedLogFile() moves.
 enum TEST_TYPE : int { TEST_TYPE_PING = 0, TEST_TYPE_IPERF = 1, TEST_TYPE_RESULTS = 2 };
 

@@ -3,6 +3,7 @@
 
 #include "harness.h"
 #include "iperf2/iperf2_status.h"
+#include "log_files.h"
 #include "run_state.h"
 
 #include <cstdlib>

@@ -3,6 +3,7 @@
 
 #include "harness.h"
 #include "history_files.h"
+#include "log_files.h"
 #include "run_state.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include "history_files.h"
 #include "iperf2/iperf2_status.h"
 #include "iperf_client.h"
+#include "log_files.h"
 #include "run_state.h"
-#include "text_buffer.h"
 
 #include <cstdio>
 #include <fstream>
@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr char kHistoryPath[] = "%siperf2_history.log";
 constexpr char kHeading[] = "\n= IPERF2 history %d ====================================\n";
 
 void printReport(unsigned number, const iperf2_status& status) {
@@ -44,8 +43,6 @@ unsigned reportHistory(const char* path) {
 
 void write_iperf2_history_log_files() {
   char path[kPathCapacity];
-  formatInto(path, kHistoryPath, LOG_PATH);
-  if (reportHistory(path) >= kFullHistoryLines) {
-    writeDatedLogFile(TEST_TYPE_IPERF, path, 2, false);
-  }
+  formatLogPath(path, kIperf2History.live);
+  moveFullHistory(reportHistory(path), TEST_TYPE_IPERF, path, 2);
 }

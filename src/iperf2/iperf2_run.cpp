@@ -3,6 +3,7 @@
 #include "history_files.h"
 #include "iperf2/iperf2_status.h"
 #include "iperf_client.h"
+#include "log_files.h"
 #include "run_state.h"
 #include "shell.h"
 #include "text_buffer.h"
@@ -16,10 +17,9 @@ namespace {
 
 constexpr char kClient[] = "/usr/bin/iperf";
 constexpr char kStartTrace[] = "iperf2 start time %s\n";
-constexpr char kCommand[] = "%s -c %s -y C -t %d > %siperf2_latest.log\n";
+constexpr char kCommand[] = "%s -c %s -y C -t %d > %s%s\n";
 
-constexpr char kAppendCommand[] = "cat %siperf2_latest.log >> %siperf2_history.log\n";
-constexpr char kLatestPath[] = "%siperf2_latest.log";
+constexpr char kAppendCommand[] = "cat %s%s >> %s%s\n";
 constexpr char kHeading[] = "\n= IPERF2 latest ====================================\n";
 
 void printLatest(const iperf2_status& status) {
@@ -47,17 +47,17 @@ void exec_iperf2() {
   }
   iperf2_prog = kClient;
   formatInto(cmd, kCommand, iperf2_prog.c_str(), ipaddr, ConfigurationParameters.iperfTestTime,
-             LOG_PATH);
+             LOG_PATH, kIperf2Latest);
   runIperfClient();
   // Required: nothing writes the file that this appends; an empty history is what it leaves.
   read_latest_iperf_log_file(2, false);
 }
 
 void read_latest_iperf2_log_file() {
-  formatInto(cmd, kAppendCommand, LOG_PATH, LOG_PATH);
+  formatInto(cmd, kAppendCommand, LOG_PATH, kIperf2Latest, LOG_PATH, kIperf2History.live);
   runCommand();
   char path[kPathCapacity];
-  formatInto(path, kLatestPath, LOG_PATH);
+  formatLogPath(path, kIperf2Latest);
   iperf2_status status;
   if (!scanIperf2Report(readText(path).c_str(), status)) {
     return;

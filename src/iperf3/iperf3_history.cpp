@@ -3,6 +3,7 @@
 #include "history_files.h"
 #include "iperf3/iperf3_status.h"
 #include "iperf_client.h"
+#include "log_files.h"
 #include "run_state.h"
 #include "text_buffer.h"
 
@@ -12,8 +13,6 @@
 
 namespace {
 
-constexpr char kForwardPath[] = "%siperf3_history_forward_csv.log";
-constexpr char kReversePath[] = "%siperf3_history_reverse_csv.log";
 constexpr char kPathTrace[] = "iperf history file path is %s\n";
 constexpr char kCountTrace[] = "history file line count %d\n";
 constexpr char kHeading[] = "\n= IPERF3 history %d ====================================\n";
@@ -66,7 +65,7 @@ unsigned reportLines(const char* path, bool reverse) {
 
 void write_iperf3_history_log_files(bool reverse) {
   char path[kPathCapacity];
-  formatInto(path, reverse ? kReversePath : kForwardPath, LOG_PATH);
+  formatLogPath(path, directionFiles(reverse).history.live);
   if (!reverse) {
     std::printf(kPathTrace, path);
   }
@@ -74,7 +73,5 @@ void write_iperf3_history_log_files(bool reverse) {
   if (!reverse) {
     std::printf(kCountTrace, static_cast<int>(count));
   }
-  if (count >= kFullHistoryLines) {
-    writeDatedLogFile(TEST_TYPE_IPERF, path, 3, reverse);
-  }
+  moveFullHistory(count, TEST_TYPE_IPERF, path, 3, reverse);
 }

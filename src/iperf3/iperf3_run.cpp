@@ -4,6 +4,7 @@
 #include "iperf3/iperf3_json.h"
 #include "iperf3/iperf3_status.h"
 #include "iperf_client.h"
+#include "log_files.h"
 #include "run_state.h"
 #include "text_buffer.h"
 #include "time_services.h"
@@ -17,16 +18,12 @@ constexpr char kClient[] = "/usr/local/bin/Qelmora/iperf3";
 constexpr char kStartTrace[] = "iperf3 start time %s direction %s\n";
 // Required: the option brings a blank of its own, so that three stand before the ">" of a forward
 // run and two before the "-R" of a reverse one.
-constexpr char kCommand[] = "%s -c %s -t %d %s %s > %siperf3_latest%s.log\n";
+constexpr char kCommand[] = "%s -c %s -t %d %s %s > %s%s\n";
 constexpr char kJsonOption[] = "-J ";
 
-constexpr char kForwardReport[] = "%siperf3_latest.log";
-constexpr char kReverseReport[] = "%siperf3_latest-R.log";
 constexpr char kReportTrace[] = " read latest file is %s\n";
 constexpr char kSummaryHeading[] = "\n= IPERF3 summary  ====================================\n";
 
-constexpr char kForwardCsv[] = "%siperf3_latest_forward_csv.log";
-constexpr char kReverseCsv[] = "%siperf3_latest_reverse_csv.log";
 constexpr char kCsvLine[] = "%.32s,%.32s,%d,%.32s,%d,%d,%.32s,%llu,%.0f,%llu,%.0f\n";
 
 /// Characters of the CSV line at most, its newline and terminator included.
@@ -39,15 +36,14 @@ void runClient(bool reverse) {
                 reverse ? "server to client" : "client to server");
   }
   iperf3_prog = kClient;
-  const char* const direction = reverse ? "-R" : "";
   formatInto(cmd, kCommand, iperf3_prog.c_str(), ipaddr, ConfigurationParameters.iperfTestTime,
-             kJsonOption, direction, LOG_PATH, direction);
+             kJsonOption, reverse ? "-R" : "", LOG_PATH, directionFiles(reverse).report);
   runIperfClient();
 }
 
 iperf3_status readLatestReport(bool reverse) {
   char path[kPathCapacity];
-  formatInto(path, reverse ? kReverseReport : kForwardReport, LOG_PATH);
+  formatLogPath(path, directionFiles(reverse).report);
   formatInto(filepath, "%s", path);
   std::printf(kReportTrace, path);
   iperf3_status status;
@@ -61,7 +57,7 @@ iperf3_status readLatestReport(bool reverse) {
 
 void writeLatestCsv(bool reverse, const iperf3_status& status) {
   char path[kPathCapacity];
-  formatInto(path, reverse ? kReverseCsv : kForwardCsv, LOG_PATH);
+  formatLogPath(path, directionFiles(reverse).latestCsv);
   formatInto(filepath, "%s", path);
   char line[kCsvCapacity];
   formatLineInto(line, kCsvLine, status.date, status.clientIp, status.clientPort, status.serverIp,

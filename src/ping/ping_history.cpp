@@ -1,6 +1,7 @@
 #include "ping/ping_history.h"
 
 #include "history_files.h"
+#include "log_files.h"
 #include "run_state.h"
 #include "text_buffer.h"
 
@@ -9,7 +10,6 @@
 namespace {
 
 constexpr char kTrace[] = "ping start time %s min %f avg %f max %f stddev %f\n";
-constexpr char kHistoryPath[] = "%sping_history.log";
 constexpr char kHistoryLine[] = "%s,%.3lf,%.3lf,%.3lf,%.3lf\n";
 
 }  // namespace
@@ -22,8 +22,8 @@ void write_ping_history_log_file(const ping_status& status) {
   formatLineInto(line, kHistoryLine, pingStartTimeStamp, status.min, status.avg, status.max,
                  status.stddev);
   char path[kPathCapacity];
-  formatInto(path, kHistoryPath, LOG_PATH);
-  if (writeText(path, "a", line) && countLines(path) >= kFullHistoryLines) {
-    writeDatedLogFile(TEST_TYPE_PING, path, 0, false);
+  formatLogPath(path, kPingHistory.live);
+  if (writeText(path, "a", line)) {
+    moveFullHistory(countLines(path), TEST_TYPE_PING, path);
   }
 }

@@ -1,5 +1,7 @@
 #include "ping/ping_run.h"
 
+#include "history_files.h"
+#include "log_files.h"
 #include "ping/latency.h"
 #include "ping/ping_history.h"
 #include "ping/ping_status.h"
@@ -18,14 +20,13 @@ constexpr char kPublicResolver[] = "8.8.8.8";
 
 constexpr char kStartTrace[] = "ping start time %s\n";
 // Required: the separator brings blanks of its own, so that two stand on each side of the bar.
-constexpr char kPingCommand[] = "ping %s %d %s %s %sping_latest.log\n";
+constexpr char kPingCommand[] = "ping %s %d %s %s %s%s\n";
 constexpr char kCountOption[] = "-c";
 constexpr char kIntoTee[] = " | tee ";
 constexpr char kCommandEcho[] = "ping cmd: %s\n";
 
 // Required: LOG_PATH ends in "/", so that the second path holds a doubled slash.
-constexpr char kAppendCommand[] = "cat %sping_latest.log >> %s/ping_history_verbose.log\n";
-constexpr char kLatestPath[] = "%sping_latest.log";
+constexpr char kAppendCommand[] = "cat %s%s >> %s/%s\n";
 constexpr char kPositionsTrace[] = "= found at: %zu, ms found at: %zu\n";
 constexpr char kSummaryTrace[] = "ping min = %f avg = %f max = %f stddev = %f\n";
 
@@ -77,16 +78,16 @@ int exec_ping() {
   }
   const char* const target = ConfigurationParameters.pingTestServer ? kPublicResolver : ipaddr;
   formatInto(cmd, kPingCommand, kCountOption, ConfigurationParameters.numPings, target, kIntoTee,
-             LOG_PATH);
+             LOG_PATH, kPingLatest);
   std::printf(kCommandEcho, cmd);
   return runCommand();
 }
 
 void read_latest_ping_log_file_unix() {
-  formatInto(cmd, kAppendCommand, LOG_PATH, LOG_PATH);
+  formatInto(cmd, kAppendCommand, LOG_PATH, kPingLatest, LOG_PATH, kPingVerbose);
   runCommand();
   char path[kPathCapacity];
-  formatInto(path, kLatestPath, LOG_PATH);
+  formatLogPath(path, kPingLatest);
   std::ifstream latest(path);
   ping_status status;
   for (std::string line; std::getline(latest, line);) {

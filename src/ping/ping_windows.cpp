@@ -1,5 +1,6 @@
 #include "ping/ping_windows.h"
 
+#include "log_files.h"
 #include "ping/latency.h"
 #include "ping/ping_history.h"
 #include "ping/ping_status.h"
@@ -13,7 +14,7 @@
 namespace {
 
 // Required: LOG_PATH ends in a separator already.
-constexpr char kLatestPath[] = "%s\\ping_latest.log";
+constexpr char kLatestPath[] = "%s\\%s";
 constexpr char kTrialPath[] = "/tmp/ping_latest.log";
 
 constexpr char kLineTrace[] = "line %d line=%s\n";
@@ -63,7 +64,7 @@ void takeSummary(std::string line, ping_status& status, bool trace) {
 void read_latest_ping_log_file_win() {
   const bool trace = ConfigurationParameters.debugPrintPing;
   char path[kPathCapacity];
-  formatInto(path, kLatestPath, LOG_PATH);
+  formatInto(path, kLatestPath, LOG_PATH, kPingLatest);
   std::ifstream latest(path);
   ping_status status;
   for (std::string line; std::getline(latest, line);) {

@@ -1,13 +1,10 @@
 #include "results/result_history.h"
 
 #include "history_files.h"
-#include "run_state.h"
-#include "text_buffer.h"
+#include "log_files.h"
 
 void write_results_log_history_file() {
   char path[kPathCapacity];
-  formatInto(path, kResultHistoryPath, LOG_PATH);
-  if (countLines(path) >= kFullHistoryLines) {
-    writeDatedLogFile(TEST_TYPE_RESULTS, path, 0, false);
-  }
+  formatLogPath(path, kResultHistory.live);
+  moveFullHistory(countLines(path), TEST_TYPE_RESULTS, path);
 }

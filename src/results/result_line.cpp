@@ -1,32 +1,22 @@
 #include "results/result_line.h"
 
 #include "history_files.h"
+#include "log_files.h"
+#include "rate_units.h"
 #include "results/result_history.h"
 #include "run_state.h"
 #include "text_buffer.h"
 
-#include <cstdint>
 #include <cstdio>
 #include <string>
 
 namespace {
-
-constexpr char kResultPath[] = "%sconnection_test_results.txt";
 
 constexpr char kConsoleLine[] =
     "Date = %s, Latency = %u ms, Write Transfer Rate = %llu %s, Read Transfer Rate = %llu %s\n";
 // Required: a blank stands before the newline.
 constexpr char kFileLine[] =
     "Date = %s, Latency = %s ms, Write Transfer Rate = %s %s, Read Transfer Rate = %s %s \n";
-
-/// The unit of the rates that an `outputFormat` chooses, and its size in bits per second.
-struct RateUnit {
-  std::int32_t outputFormat;
-  const char* name;
-  unsigned long long bps;
-};
-constexpr RateUnit kRateUnits[] = {
-    {1, "bps", 1}, {2, "Mebibps", 1ULL << 20}, {3, "Megabps", 1'000'000}};
 
 std::string measured(bool valid, unsigned long long number) {
   return valid ? std::to_string(number) : "n/a";
@@ -63,16 +53,14 @@ void clearResults() {
 
 void logFormattedResults() {
   char line[kLineCapacity] = {};
-  for (const RateUnit& unit : kRateUnits) {
-    if (unit.outputFormat == ConfigurationParameters.outputFormat) {
-      printResult(unit);
-      formatResult(line, unit);
-    }
+  if (const RateUnit* const unit = rateUnit(ConfigurationParameters.outputFormat)) {
+    printResult(*unit);
+    formatResult(line, *unit);
   }
   char path[kPathCapacity];
-  formatInto(path, kResultPath, LOG_PATH);
+  formatLogPath(path, kResultLatest);
   writeText(path, "w", line);
-  formatInto(path, kResultHistoryPath, LOG_PATH);
+  formatLogPath(path, kResultHistory.live);
   writeText(path, "a", line);
   clearResults();
   write_results_log_history_file();
