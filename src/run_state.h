@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// Characters that a file path takes at most, its terminator included.
 inline constexpr std::size_t kPathCapacity = 256;
@@ -41,7 +42,8 @@ struct Configuration {
 inline Configuration ConfigurationParameters;
 
 /// The keys of the configuration file, in the order in which a line is searched for them.
-inline const char* const configFileKeys[] = {
+// NOLINTNEXTLINE(readability-identifier-naming): a name of the design.
+inline constexpr std::string_view configFileKeys[] = {
     "debugConfFile",  "numPings",        "iperfTestTime",  "pingTestServer",
     "debugPrintPing", "debugPrintIperf", "debugPrintLast", "debugPrintHistory",
     "doPingTests",    "doIperf2Tests",   "doIperf3Tests",  "outputFormat"};

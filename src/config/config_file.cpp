@@ -1,7 +1,9 @@
 #include "config/config_file.h"
 
+#include "rate_units.h"
 #include "run_state.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -10,18 +12,19 @@
 #include <iterator>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
 constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
-constexpr char kFormatOutOfRange[] = "outputFormat out of range (1-3). Set to 1.";
+constexpr char kFormatOutOfRange[] = "outputFormat out of range (1-%zu). Set to 1.\n";
 
 /// Characters of a wrong value that an error message repeats.
 constexpr std::size_t kQuotedLength = 40;
 
 /// One "key=value" of the file, with the number of its line.
 struct Setting {
-  const char* key;
+  std::string_view key;
   std::string value;
   unsigned lineNumber;
 };
@@ -36,8 +39,9 @@ std::string quoted(const std::string& text) {
 
 std::string complaint(const Setting& setting, const char* problem, std::int32_t example) {
   return std::string(kConfigPath) + ", line " + std::to_string(setting.lineNumber) + ": " +
-         setting.key + " is " + quoted(setting.value) + ", which " + problem +
-         "; write a whole number, for example " + setting.key + "=" + std::to_string(example);
+         std::string(setting.key) + " is " + quoted(setting.value) + ", which " + problem +
+         "; write a whole number, for example " + std::string(setting.key) + "=" +
+         std::to_string(example);
 }
 
 std::int32_t toNumber(const Setting& setting, std::int32_t example) {
@@ -78,23 +82,31 @@ void switchOff(const Setting& setting) {
 
 void takeOutputFormat(const Setting& setting) {
   takeNumber<&Configuration::outputFormat>(setting);
-  if (ConfigurationParameters.outputFormat < 1 || ConfigurationParameters.outputFormat > 3) {
-    std::puts(kFormatOutOfRange);
+  if (rateUnit(ConfigurationParameters.outputFormat) == nullptr) {
+    std::printf(kFormatOutOfRange, std::size(kRateUnits));
     ConfigurationParameters.outputFormat = 1;
   }
 }
 
-using Effect = void (*)(const Setting& setting);
+/// A key, and what a line with it does.
+struct Key {
+  std::string_view name;
+  void (*effect)(const Setting& setting);
+};
 
-// What each key of `configFileKeys` does, in the same order.
-constexpr Effect kEffects[] = {
-    switchOn<&Configuration::debugConfFile>,   takeNumber<&Configuration::numPings>,
-    takeNumber<&Configuration::iperfTestTime>, switchOn<&Configuration::pingTestServer>,
-    switchOn<&Configuration::debugPrintPing>,  switchOn<&Configuration::debugPrintIperf>,
-    switchOn<&Configuration::debugPrintLast>,  switchOn<&Configuration::debugPrintHistory>,
-    switchOff<&Configuration::doPingTests>,    switchOff<&Configuration::doIperf2Tests>,
-    switchOff<&Configuration::doIperf3Tests>,  takeOutputFormat};
-static_assert(std::size(kEffects) == std::size(configFileKeys));
+constexpr Key kKeys[] = {{"debugConfFile", switchOn<&Configuration::debugConfFile>},
+                         {"numPings", takeNumber<&Configuration::numPings>},
+                         {"iperfTestTime", takeNumber<&Configuration::iperfTestTime>},
+                         {"pingTestServer", switchOn<&Configuration::pingTestServer>},
+                         {"debugPrintPing", switchOn<&Configuration::debugPrintPing>},
+                         {"debugPrintIperf", switchOn<&Configuration::debugPrintIperf>},
+                         {"debugPrintLast", switchOn<&Configuration::debugPrintLast>},
+                         {"debugPrintHistory", switchOn<&Configuration::debugPrintHistory>},
+                         {"doPingTests", switchOff<&Configuration::doPingTests>},
+                         {"doIperf2Tests", switchOff<&Configuration::doIperf2Tests>},
+                         {"doIperf3Tests", switchOff<&Configuration::doIperf3Tests>},
+                         {"outputFormat", takeOutputFormat}};
+static_assert(std::ranges::equal(kKeys, configFileKeys, {}, &Key::name));
 
 }  // namespace
 
@@ -112,9 +124,9 @@ void applyConfigLine(const std::string& line, unsigned lineNumber) {
     return;
   }
   // Required: a key counts wherever it stands, in the value too, and the first of the table wins.
-  for (std::size_t i = 0; i < std::size(configFileKeys); ++i) {
-    if (line.find(configFileKeys[i]) != std::string::npos) {
-      kEffects[i]({configFileKeys[i], line.substr(equals + 1), lineNumber});
+  for (const Key& key : kKeys) {
+    if (line.find(key.name) != std::string::npos) {
+      key.effect({key.name, line.substr(equals + 1), lineNumber});
       return;
     }
   }
