@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <string>
@@ -91,14 +92,36 @@ std::optional<std::string> blockValue(const std::string& block, const std::strin
   return block.substr(start, block.find(delimiter, start) - start);
 }
 
-void takeSums(std::istream& report, unsigned long long& length, double& bps) {
+/// What the report of one direction is read for, and where that goes.
+struct Direction {
+  char reverse;
+  const char* sums;
+  unsigned long long iperf3_status::*length;
+  double iperf3_status::*bps;
+  bool Results::*rateValid;
+  unsigned long long Results::*rateBps;
+};
+constexpr Direction kDirections[] = {
+    {'0', "sum_sent", &iperf3_status::lengthSent, &iperf3_status::bpsSent, &Results::writeRateValid,
+     &Results::writeRateBps},
+    {'1', "sum_received", &iperf3_status::lengthRcvd, &iperf3_status::bpsRcvd,
+     &Results::readRateValid, &Results::readRateBps}};
+
+/// Returns the direction that the report has named by now, or null.
+const Direction* directionOf(const iperf3_status& status) {
+  const auto* const direction =
+      std::ranges::find(kDirections, status.reverse[0], &Direction::reverse);
+  return direction != std::end(kDirections) ? direction : nullptr;
+}
+
+void takeSums(std::istream& report, const Direction& direction, iperf3_status& status) {
   const std::string block = readBlock(report);
   if (const auto value = blockValue(block, "bytes", ','); value) {
-    length = static_cast<unsigned long long>(std::stoll(*value));
+    status.*direction.length = static_cast<unsigned long long>(std::stoll(*value));
   }
   if (const auto value = blockValue(block, "bits_per_second", '\t'); value) {
     // Required: the rate is rounded to single precision, and std::cout loses its decimals for good.
-    bps = static_cast<double>(std::strtof(value->c_str(), nullptr));
+    status.*direction.bps = static_cast<double>(std::strtof(value->c_str(), nullptr));
     std::cout.precision(0);
   }
 }
@@ -107,10 +130,9 @@ void readReport(const char* path, iperf3_status& status) {
   std::ifstream report(path);
   for (std::string line; std::getline(report, line);) {
     takeMembers(line, status);
-    if (status.reverse[0] == '0' && line.find("sum_sent") != std::string::npos) {
-      takeSums(report, status.lengthSent, status.bpsSent);
-    } else if (status.reverse[0] == '1' && line.find("sum_received") != std::string::npos) {
-      takeSums(report, status.lengthRcvd, status.bpsRcvd);
+    const Direction* const direction = directionOf(status);
+    if (direction != nullptr && line.find(direction->sums) != std::string::npos) {
+      takeSums(report, *direction, status);
     }
   }
 }
@@ -131,12 +153,9 @@ unsigned long long wholeBps(double bps) {
 }
 
 void recordRate(const iperf3_status& status) {
-  if (status.reverse[0] == '0') {
-    outputResults.writeRateValid = true;
-    outputResults.writeRateBps = wholeBps(status.bpsSent);
-  } else if (status.reverse[0] == '1') {
-    outputResults.readRateValid = true;
-    outputResults.readRateBps = wholeBps(status.bpsRcvd);
+  if (const Direction* const direction = directionOf(status)) {
+    outputResults.*direction->rateValid = true;
+    outputResults.*direction->rateBps = wholeBps(status.*direction->bps);
   }
 }
 
