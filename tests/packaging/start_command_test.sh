@@ -342,6 +342,31 @@ RefusesTheLinkOfAnotherUser() { # --other-users
   expect_not_own /tmp/home/Library
 }
 
+RefusesALinkOfAnotherUserThatLeadsNowhere() { # --other-users
+  install_fake_program 'exit 0'
+  make_log_directories
+
+  local file
+  for file in connTester.lock nul ping_latest.log connection_test_results.txt; do
+    ln -s /tmp/nowhere "$logs/$file"
+    chown --no-dereference 4711 "$logs/$file"
+    expect_not_own "$logs/$file"
+    rm "$logs/$file"
+  done
+  [[ ! -e /tmp/nowhere ]] || fail 'the link was followed'
+}
+
+FollowsALinkOfItsUserThatLeadsNowhere() {
+  install_fake_program 'exit 0'
+  make_log_directories
+  ln -s /tmp/own "$logs/connTester.lock"
+
+  run 192.168.1.10
+
+  expect_status 0
+  [[ -s /tmp/own ]] || fail 'the link was not followed'
+}
+
 FollowsALinkOfItsUser() {
   install_fake_program pwd
   mkdir /tmp/own
