@@ -241,6 +241,16 @@ RefusesToFollowAManifestToOtherPlaces() {
   [[ -e /tmp/victim/file ]] || fail 'a file elsewhere is gone'
 }
 
+RefusesAManifestThatIsNoFile() {
+  prepare
+  install_tester
+  rm "$programs/manifest"
+  expect_refusal "$programs/manifest is no file"
+
+  mkdir "$programs/manifest"
+  expect_refusal "$programs/manifest is no file"
+}
+
 RefusesAManifestThatOthersMayWrite() {
   prepare
   install_tester
