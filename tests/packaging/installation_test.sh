@@ -134,6 +134,16 @@ SetsModesWhateverTheUmask() {
   done
 }
 
+ClosesFoldersOfItsOwnThatWereOpen() {
+  prepare
+  umask 000
+  mkdir -p "$programs"/{ping,iperf3}-adapter "$prefix/share/connTester"
+
+  install_tester
+
+  expect_file <(find "$programs" "$prefix/share/connTester" -type d -printf '%m\n' | sort -u) <<<755
+}
+
 RefusesAPrefixThatListsCannotHold() {
   prepare
   local name
