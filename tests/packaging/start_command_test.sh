@@ -427,7 +427,7 @@ start_long_run() {
   install_fake_program "${1:-echo >/tmp/fake/begun; read -r _ </tmp/fake/gate}"
   stop_clock '2026-11-20 17:42:10'
   "${tester[@]}" 10.0.0.5 8>&- &
-  longRun=$!
+  long_run=$!
   wait_until_begun
 }
 
@@ -442,10 +442,10 @@ expect_busy() {
 expect_one_run_at_a_time() {
   start_long_run
 
-  expect_busy "another run of yours is in progress, as process $longRun since 2026-11-20 17:42:10"
+  expect_busy "another run of yours is in progress, as process $long_run since 2026-11-20 17:42:10"
 
   open_gate
-  wait "$longRun"
+  wait "$long_run"
   rm /tmp/fake/connTester.end
   run 10.0.0.7
   expect_status 0
@@ -471,7 +471,7 @@ LetsInOneRunAtATimeWithoutProc() { # --without-proc
 TellsEachOfManyWhichRunIsInProgress() {
   start_long_run
   open_gate
-  wait "$longRun"
+  wait "$long_run"
   local runs=({1..30})
 
   local number
@@ -539,8 +539,8 @@ start_and_kill() {
   # shellcheck disable=SC2016 # their process ids
   start_long_run 'echo $$ >/tmp/fake/program
     sh -c "echo \$\$ >/tmp/fake/tool; echo >/tmp/fake/begun; read -r _ </tmp/fake/gate"; exit'
-  kill -KILL "$longRun"
-  wait "$longRun" || true
+  kill -KILL "$long_run"
+  wait "$long_run" || true
 }
 
 NamesWhatAKilledRunHasLeft() {
@@ -669,10 +669,10 @@ LooksAgainWhoHasTakenTheLock() {
 EndsItsProgramAndToolsAtATermination() {
   start_long_run 'sh -c "echo >/tmp/fake/begun; read -r _ </tmp/fake/gate"; exit'
 
-  kill -TERM "$longRun"
+  kill -TERM "$long_run"
 
   status=0
-  wait "$longRun" || status=$?
+  wait "$long_run" || status=$?
   expect_status 143
   rm /tmp/fake/connTester.end
   run 10.0.0.6
