@@ -14,9 +14,9 @@ set(documents ${CMAKE_INSTALL_DATADIR}/doc/conntester)
 file(RELATIVE_PATH PROGRAMS_FROM_BIN /${CMAKE_INSTALL_BINDIR} /${programs})
 file(RELATIVE_PATH DATA_FROM_PROGRAMS /${programs} /${data})
 file(RELATIVE_PATH PREFIX_FROM_PROGRAMS /${programs} /)
-foreach(script connTester fixed-paths uninstall)
-  configure_file(packaging/${script}.in packaging/${script} @ONLY)
-endforeach()
+configure_file(packaging/start-command.in packaging/connTester @ONLY)
+configure_file(packaging/fixed-paths.in packaging/fixed-paths @ONLY)
+configure_file(packaging/uninstall.in packaging/uninstall @ONLY)
 
 set(folders
   ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${programs}/iperf3-adapter ${data}
