@@ -26,9 +26,9 @@ install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/start_install.cmake COMPONE
 
 install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/connTester TYPE BIN)
 install(TARGETS connTester DESTINATION ${programs})
-if(TARGET pingAdapter)
-  install(TARGETS pingAdapter DESTINATION ${programs}/ping-adapter)
-  install(TARGETS iperf3Adapter DESTINATION ${programs}/iperf3-adapter)
+if(TARGET ping_adapter)
+  install(TARGETS ping_adapter DESTINATION ${programs}/ping-adapter)
+  install(TARGETS iperf3_adapter DESTINATION ${programs}/iperf3-adapter)
 endif()
 install(PROGRAMS packaging/in-session ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
