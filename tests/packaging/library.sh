@@ -54,9 +54,28 @@ names_in() {
   find "$1" -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort
 }
 
+# Calls a command for each line of standard input, a case: its columns, with bars between them, are the
+# arguments.
+for_each_case() {
+  local lines line columns
+  mapfile -t lines < <(sed 's/ *| */|/g')
+  for line in "${lines[@]}"; do
+    echo "The case of: $line"
+    IFS='|' read -ra columns <<<"$line"
+    "$@" "${columns[@]}"
+  done
+}
+
+expect_silent_success() {
+  expect_status 0
+  expect_file /tmp/fake/console </dev/null
+  expect_file /tmp/fake/errors </dev/null
+}
+
 # Makes two FIFOs: what a test starts in the background says in "begun" that it has begun, and reads
 # "gate" to last until `open_gate`, or until the test ends. It must not inherit file 8.
 make_gate() {
+  rm -f /tmp/fake/begun /tmp/fake/gate
   mkfifo /tmp/fake/begun /tmp/fake/gate
   exec 8<>/tmp/fake/gate
 }
@@ -67,6 +86,13 @@ wait_until_begun() {
 
 open_gate() {
   echo >&8
+}
+
+# Waits for the end of the process `started` and notes its exit status.
+wait_for_end() {
+  status=0
+  # shellcheck disable=SC2154 # set by the caller
+  wait "$started" || status=$?
 }
 
 # Waits, five seconds at most, until a command succeeds.
