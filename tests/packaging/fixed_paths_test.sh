@@ -3,207 +3,156 @@
 source "$(dirname "$0")/library.sh"
 
 adapter=$programs/iperf3-adapter/iperf3
+tester=("$programs/fixed-paths")
 
-# The script in an installation that has not made them, on a machine without them.
+# The program in an installation that has not made them, on a machine without the folder.
 prepare() {
-  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" --component program >/tmp/fake/installation
-  rm -r "$installation"
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("$programs/fixed-paths")
+  install_without_fixed_paths
+  cd /usr/local/bin
 }
 
-# Compares all that stands in the fixed folder, links with what they hold, with standard input.
-expect_folder() {
-  expect_file <(find "$installation" -mindepth 1 ! -name .made-by-connTester \
-    -printf '%f %y %l\n' | sort)
-}
+# The steps of the tables are these and the shell's, which stands where the folder is. The script's are
+# to succeed; what it says is kept.
 
-expect_silent_success() {
+call() {
+  run "$1"
   expect_status 0
   expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors </dev/null
+  cat /tmp/fake/errors >>/tmp/fake/said
 }
 
-expect_no_folder() {
-  [[ ! -e $installation ]] || fail "the folder is there: $(names_in "$installation")"
+make() {
+  call make
 }
 
-MakesALinkAndAConfiguration() {
-  prepare
-
-  run make
-
-  expect_silent_success
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
-END
-  expect_same "$packaging/connTester.conf" "$installation/connTester.conf"
+unlink() {
+  call unlink
 }
 
-MakesThemReadableForEverybody() {
+remove() {
+  call remove
+}
+
+# Does the same by the script of another installation.
+another() {
+  local tester=(/tmp/other/libexec/connTester/fixed-paths)
+  "$1"
+}
+
+# Does what an earlier version did: its link led to the system's iperf3, its record named no installation,
+# and this record's last line has lost its end.
+make_as_before() {
+  mkdir Qelmora
+  ln -s /usr/bin/iperf3 Qelmora/iperf3
+  cp "$packaging/connTester.conf" Qelmora
+  printf 'folder\niperf3 /usr/bin/iperf3\nconfiguration' >Qelmora/.made-by-connTester
+}
+
+# Compares the names of the folder and of what it holds, of links with what they lead to.
+expect_folder() {
+  expect_file <(find Qelmora -printf '%f>%l\n' 2>/dev/null |
+    sed 's/>$//; s/.made-by-connTester/record/' | LC_ALL=C sort | paste -sd ' ') <<<"$1"
+}
+
+# Takes the steps $1 and compares the folder with $2, and with $3 what the script has said.
+expect_folder_after() {
+  rm -rf Qelmora /tmp/other
+  cp -a "$prefix" /tmp/other
+  : >/tmp/fake/said
+
+  eval "$1"
+
+  expect_folder "${2-}"
+  expect_file /tmp/fake/said < <(printf %s "${3:+connTester: $3$'\n'}")
+}
+
+MakesALinkAndAConfigurationForEverybody() {
   prepare
   umask 077
 
-  run make
-
-  expect_file <(find "$installation" -maxdepth 1 -type f -printf '%m %f\n' | sort) <<'END'
-644 .made-by-connTester
-644 connTester.conf
-END
-  expect_file <(find "$installation" -maxdepth 0 -printf "%m\n") <<<755
-}
-
-MakesNothingTwice() {
-  prepare
-  run make
-  cp -a "$installation" /tmp/before
-
-  run make
+  make
 
   expect_silent_success
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the second time changed something'
+  expect_folder "Qelmora connTester.conf iperf3>$adapter record"
+  expect_same "$packaging/connTester.conf" Qelmora/connTester.conf
+  expect_file <(find Qelmora ! -type l -printf '%m %f\n' | sort) <<'END'
+644 .made-by-connTester
+644 connTester.conf
+755 Qelmora
+END
+}
+
+RemovesWhatItHasMadeAndNothingElse() {
+  prepare
+
+  for_each_case expect_folder_after <<END
+make; make                                   | Qelmora connTester.conf iperf3>$adapter record
+make; remove                                 |
+make; unlink                                 | Qelmora connTester.conf record
+make; unlink; make                           | Qelmora connTester.conf iperf3>$adapter record
+make; rm Qelmora/connTester.conf; make       | Qelmora iperf3>$adapter record
+make; touch Qelmora/mine; remove             | Qelmora mine
+make; ln -sf /opt/iperf3 Qelmora/iperf3; remove             | Qelmora iperf3>/opt/iperf3
+make; unlink; ln -s $adapter Qelmora/iperf3; remove         | Qelmora iperf3>$adapter
+make; echo numPings=3 >>Qelmora/connTester.conf; remove     | Qelmora connTester.conf \
+                                             | $installation/connTester.conf stays: it holds settings of yours
+mkdir Qelmora; make; remove                                 | Qelmora
+mkdir Qelmora; ln -s $adapter Qelmora/iperf3; make; remove  | Qelmora iperf3>$adapter
+mkdir Qelmora; cp $packaging/connTester.conf Qelmora; make; remove | Qelmora connTester.conf
+END
 }
 
 LeavesWhatIsThere() {
   prepare
-  mkdir "$installation"
-  echo mine | tee "$installation/iperf3" >"$installation/connTester.conf"
+  mkdir Qelmora
 
-  local command
-  for command in make unlink remove; do
-    run "$command"
+  local write
+  for write in tee 'ln -sf /tmp/away'; do
+    rm -f Qelmora/*
+    $write Qelmora/iperf3 <<<mine
+    $write Qelmora/connTester.conf <<<mine
+    remember_folder
 
-    expect_silent_success
-    expect_folder <<<$'connTester.conf f \niperf3 f '
-    expect_file "$installation/iperf3" <<<mine
-    expect_file "$installation/connTester.conf" <<<mine
+    make
+    unlink
+    remove
+
+    expect_folder_as_it_was
   done
+  expect_file /tmp/fake/said </dev/null
 }
 
-LeavesLinksThatLeadNowhere() {
+LeavesToAnotherInstallationWhatIsItsOwn() {
   prepare
-  mkdir "$installation"
-  ln -s /tmp/away "$installation/iperf3"
-  ln -s /tmp/away "$installation/connTester.conf"
+  local theirs=/tmp/other/libexec/connTester
+  local their_link="iperf3>$theirs/iperf3-adapter/iperf3"
+  local said="$installation/iperf3 is another installation's. When that is removed, run, as root:"
 
-  local command
-  for command in make unlink remove; do
-    run "$command"
-
-    expect_silent_success
-    expect_folder <<<$'connTester.conf l /tmp/away\niperf3 l /tmp/away'
-  done
-}
-
-RemovesWhatItHasMade() {
-  prepare
-  run make
-
-  run remove
-
-  expect_silent_success
-  expect_no_folder
-}
-
-RemovesNothingThatItHasNotMade() {
-  prepare
-  mkdir "$installation"
-  ln -s "$adapter" "$installation/iperf3"
-  cp "$packaging/connTester.conf" "$installation/connTester.conf"
-  run make
-
-  run remove
-
-  expect_silent_success
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
+  for_each_case expect_folder_after <<END
+another make; rm -r /tmp/other; make         | Qelmora connTester.conf iperf3>$adapter record
+another make; make; remove                   | Qelmora connTester.conf $their_link record \
+                                             | $said $programs/fixed-paths make
+another make; make; remove; another remove   || $said $programs/fixed-paths make
+make; another make; remove                   | Qelmora connTester.conf record \
+                                             | $said $theirs/fixed-paths make
+make; another make; remove; another make     | Qelmora connTester.conf $their_link record \
+                                             | $said $theirs/fixed-paths make
+make; another make; remove; another remove   || $said $theirs/fixed-paths make
 END
 }
 
-LeavesAFolderThatWasThere() {
+TakesOverFromAnEarlierVersion() {
   prepare
-  mkdir "$installation"
-  run make
 
-  run remove
-
-  expect_silent_success
-  expect_file <(names_in "$installation") </dev/null
-}
-
-LeavesAFolderThatHoldsMore() {
-  prepare
-  run make
-  touch "$installation/mine"
-
-  run remove
-
-  expect_silent_success
-  expect_file <(names_in "$installation") <<<mine
-}
-
-LeavesAnEditedConfiguration() {
-  prepare
-  run make
-  echo numPings=3 >>"$installation/connTester.conf"
-
-  run remove
-
-  expect_status 0
-  expect_file /tmp/fake/errors \
-    <<<"connTester: $installation/connTester.conf stays: it holds settings of yours"
-  expect_file <(names_in "$installation") <<<connTester.conf
-}
-
-LeavesALinkThatWasChanged() {
-  prepare
-  run make
-  ln -sf /opt/iperf3 "$installation/iperf3"
-
-  run remove
-
-  expect_silent_success
-  expect_folder <<<'iperf3 l /opt/iperf3'
-}
-
-LeavesALinkThatWasMadeAnewByHand() {
-  prepare
-  run make
-  run unlink
-  ln -s "$adapter" "$installation/iperf3"
-
-  run remove
-
-  expect_silent_success
-  expect_folder <<<"iperf3 l $adapter"
-}
-
-DoesNotBringBackADeletedConfiguration() {
-  prepare
-  run make
-  rm "$installation/connTester.conf"
-
-  run make
-
-  expect_silent_success
-  expect_folder <<<"iperf3 l $adapter"
-}
-
-BringsBackTheLinkThatItRemoved() {
-  prepare
-  run make
-  run unlink
-  expect_silent_success
-  expect_folder <<<'connTester.conf f '
-
-  run make
-
-  expect_silent_success
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
+  for_each_case expect_folder_after <<END
+make_as_before; make; remove |
+make_as_before; ln -sf /opt/iperf3 Qelmora/iperf3; make | Qelmora connTester.conf iperf3>/opt/iperf3 record
+make_as_before; make         | Qelmora connTester.conf iperf3>$adapter record
+END
+  expect_file Qelmora/.made-by-connTester <<END
+folder $programs
+configuration $programs
+iperf3 $adapter
 END
 }
 
@@ -212,39 +161,23 @@ SaysThatIperf3IsMissing() {
   provide cp dirname grep ln mkdir mv readlink sh
   tester=(env PATH=/tmp/bin "$programs/fixed-paths")
 
-  run make
-
-  expect_status 0
-  expect_file /tmp/fake/errors \
-    <<<'connTester: iperf3 is not installed. Install it, or switch the tests with it off.'
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
-END
+  expect_folder_after make "Qelmora connTester.conf iperf3>$adapter record" \
+    'iperf3 is not installed. Install it, or switch the tests with it off.'
 }
 
 LinksTheSystemsIperf3WhereThereIsNoAdapter() {
   prepare
   rm "$adapter"
 
-  run make
-
-  expect_silent_success
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $(command -v iperf3)
-END
-  run remove
-  expect_silent_success
-  expect_no_folder
+  expect_folder_after make "Qelmora connTester.conf iperf3>$(command -v iperf3) record"
+  expect_folder_after 'make; remove'
 }
 
 LinksNoIperf3OfTheWorkingDirectory() {
   prepare
   rm "$adapter"
   provide cp dirname grep mkdir mv readlink sh
-  cp "$tests/fake_tool" /tmp/work/iperf3
-  cd /tmp/work
+  cp "$tests/fake_tool" iperf3
   tester=(env PATH=.:/tmp/bin "$programs/fixed-paths")
 
   run make
@@ -252,116 +185,14 @@ LinksNoIperf3OfTheWorkingDirectory() {
   expect_status 1
   expect_file /tmp/fake/errors \
     <<<"connTester: iperf3 is not installed. Install it, then run, as root: $programs/fixed-paths make"
-  expect_folder <<<'connTester.conf f '
-}
-
-# What an earlier version has left: a link to the system's iperf3, and a record that names no
-# installation and whose last line has lost its end.
-leave_earlier_version() {
-  mkdir "$installation"
-  ln -s /usr/bin/iperf3 "$installation/iperf3"
-  cp "$packaging/connTester.conf" "$installation/connTester.conf"
-  printf 'folder\niperf3 /usr/bin/iperf3\nconfiguration' >"$installation/.made-by-connTester"
-}
-
-TakesOverFromAnEarlierVersion() {
-  prepare
-  leave_earlier_version
-
-  run make
-
-  expect_silent_success
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
-END
-  expect_file "$installation/.made-by-connTester" <<END
-folder $programs
-configuration $programs
-iperf3 $adapter
-END
-  run remove
-  expect_silent_success
-  expect_no_folder
-}
-
-LeavesALinkToTheSystemsIperf3ThatTheUserMade() {
-  prepare
-  leave_earlier_version
-  ln -sf /opt/iperf3 "$installation/iperf3"
-
-  run make
-
-  expect_silent_success
-  expect_file <(readlink "$installation/iperf3") <<</opt/iperf3
-}
-
-# The installation beside the first one.
-prepare_another() {
-  other=/tmp/other/libexec/connTester
-  cmake --install "$BUILD_DIRECTORY" --prefix /tmp/other --component program >/tmp/fake/installation
-  rm -rf "$installation"
-}
-
-expect_another_said() {
-  expect_status 0
-  expect_file /tmp/fake/errors <<<"connTester: $installation/iperf3 is another installation's. When\
- that is removed, run, as root: $1/fixed-paths make"
-}
-
-RemovesNothingOfAnotherInstallation() {
-  prepare
-  prepare_another
-  "$other/fixed-paths" make
-  cp -a "$installation" /tmp/before
-  run make
-  expect_another_said "$programs"
-
-  run remove
-
-  expect_silent_success
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the first has lost something'
-  "$other/fixed-paths" remove
-  expect_no_folder
-}
-
-LeavesTheSettingsToTheOtherInstallation() {
-  prepare
-  prepare_another
-  run make
-  "$other/fixed-paths" make 2>/tmp/fake/errors
-  expect_another_said "$other"
-
-  run remove
-
-  expect_silent_success
-  expect_folder <<<'connTester.conf f '
-  "$other/fixed-paths" make
-  expect_folder <<END
-connTester.conf f 
-iperf3 l $other/iperf3-adapter/iperf3
-END
-  "$other/fixed-paths" remove
-  expect_no_folder
-}
-
-ReplacesTheLinkOfAnInstallationThatIsGone() {
-  prepare
-  prepare_another
-  "$other/fixed-paths" make
-  rm -r /tmp/other
-
-  run make
-
-  expect_silent_success
-  expect_file <(readlink "$installation/iperf3") <<<"$adapter"
+  expect_folder 'Qelmora connTester.conf record'
 }
 
 SaysThatTheFolderCannotBeWritten() { # --unprivileged
   prepare
-  run make
+  make
   chmod a-w "$installation"
-  cp -a "$installation" /tmp/before
+  remember_folder
 
   local command
   for command in make unlink remove; do
@@ -370,24 +201,22 @@ SaysThatTheFolderCannotBeWritten() { # --unprivileged
     expect_status 1
     expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
   done
-  diff -r --no-dereference /tmp/before "$installation" || fail 'something has changed'
+  expect_folder_as_it_was
 }
 
 PutsDestdirBeforeThePaths() {
   prepare
   export DESTDIR=/tmp/stage
 
-  run make
+  make
 
   expect_silent_success
   expect_no_folder
-  installation=$DESTDIR$installation expect_folder <<END
-connTester.conf f 
-iperf3 l $adapter
-END
-  run remove
+  cd "/tmp/stage/usr/local/bin"
+  expect_folder "Qelmora connTester.conf iperf3>$adapter record"
+  remove
   expect_silent_success
-  expect_file <(find /tmp/stage ! -type d) </dev/null
+  expect_folder ''
 }
 
 RefusesOtherArguments() {

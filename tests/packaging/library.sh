@@ -24,6 +24,27 @@ install_tester() {
     fail "the installation ended with status $?: $(cat /tmp/fake/installation)"
 }
 
+# Installs all that stands under the prefix, as a package does, on a machine without the program's fixed
+# folder.
+install_without_fixed_paths() {
+  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" --component program >/tmp/fake/installation
+  rm -rf "$installation"
+}
+
+expect_no_folder() {
+  [[ ! -e $installation ]] || fail "the fixed folder is there, with $(names_in "$installation")"
+}
+
+# Notes all that is in the fixed folder, for `expect_folder_as_it_was`.
+remember_folder() {
+  rm -rf /tmp/before
+  cp -a "$installation" /tmp/before
+}
+
+expect_folder_as_it_was() {
+  diff -r --no-dereference /tmp/before "$installation" || fail 'the fixed folder has changed'
+}
+
 # Puts a fake in the place of the program: it notes its arguments and runs, at its end, the shell
 # commands given.
 install_fake_program() {
