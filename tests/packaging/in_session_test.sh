@@ -16,6 +16,8 @@ pinging='$SIG{INT} = sub { print "summary\n"; exit }; $| = 1; print "reply\n";
 open my $begun, ">", "/tmp/fake/begun"; print $begun "\n"; close $begun;
 open my $gate, "<", "/tmp/fake/gate"; <$gate>'
 
+interrupted='connTester: interrupted: the run goes on with the next step; ^C again ends it'
+
 # Starts a session in the background, where bash leaves it its signals, and waits until it has begun.
 start_session() {
   make_gate
@@ -26,22 +28,24 @@ start_session() {
   wait_until_begun
 }
 
-wait_for_end() {
-  status=0
-  wait "$started" || status=$?
-}
-
 # Whether nothing lives in the session whose leader is in the given file.
 is_over() {
   [[ -z $(states_in_session "$(cat "$1")") ]]
 }
 
 expect_nothing_left() {
-  is_over /tmp/fake/session || fail "the session has not ended"
+  is_over /tmp/fake/session || fail 'the session has not ended'
 }
 
-PassesArgumentsOutputAndExitStatusThrough() {
-  run sh -c 'printf "[%s]" "$@"; echo complaint >&2; exit 3' sh 'a  b' '' '*'
+# What was started has to end by the signal $1 and to leave nothing.
+expect_end_by() {
+  wait_for_end
+  expect_status "$((128 + $(kill -l "$1")))"
+  expect_nothing_left
+}
+
+PassesArgumentsOutputAndExitStatusThroughAndNoInput() {
+  run sh -c 'cat; printf "[%s]" "$@"; echo complaint >&2; exit 3' sh 'a  b' '' '*' <<<text
 
   expect_status 3
   expect_file /tmp/fake/console < <(printf '[a  b][][*]')
@@ -55,33 +59,17 @@ NeedsACommand() {
   expect_file /tmp/fake/errors <<<'usage: in-session COMMAND [ARGUMENT...]'
 }
 
-GivesItsCommandNothingToRead() {
-  run cat <<<text
-
-  expect_status 0
-  expect_file /tmp/fake/console </dev/null
-}
-
-# Prints the session of the command, which is that of its own process.
-expect_own_session() {
-  run sh -c 'echo $$; cut -d " " -f 6 "/proc/$$/stat"'
-
-  expect_status 0
-  local leader
-  leader=$(head -n 1 /tmp/fake/console)
-  expect_file /tmp/fake/console <<<"$leader"$'\n'"$leader"
-}
-
 MakesItsCommandTheLeaderOfASession() {
-  expect_own_session
-}
-
-MakesItsCommandTheLeaderOfASessionWithPerlInPlaceOfSetsid() {
   need perl
   provide cut env perl sh
-  tester=(env PATH=/tmp/bin "${tester[@]}")
 
-  expect_own_session
+  local path
+  # Without setsid in the second one.
+  for path in "$PATH" /tmp/bin; do
+    PATH=$path run sh -c 'test "$(cut -d " " -f 6 "/proc/$$/stat")" = $$'
+
+    expect_silent_success
+  done
 }
 
 DiesByTheSignalThatItsCommandDiesBy() {
@@ -116,33 +104,17 @@ EndsWhatACommandThatIsKilledLeaves() {
   expect_nothing_left
 }
 
-# Ends a session by a signal to the script alone.
-expect_end_by() {
-  start_session sh -c "$lasting"
+IsEndedByASignal() {
+  local signal
+  for signal in TERM HUP ALRM QUIT; do
+    start_session sh -c "$lasting"
 
-  kill "-$1" "$started"
+    kill "-$signal" "$started"
 
-  wait_for_end
-  expect_status "$((128 + $(kill -l "$1")))"
-  expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors </dev/null
-  expect_nothing_left
-}
-
-IsEndedByATermination() {
-  expect_end_by TERM
-}
-
-IsEndedByAHangup() {
-  expect_end_by HUP
-}
-
-IsEndedByAnAlarm() {
-  expect_end_by ALRM
-}
-
-IsEndedByAQuit() {
-  expect_end_by QUIT
+    expect_end_by "$signal"
+    expect_file /tmp/fake/console </dev/null
+    expect_file /tmp/fake/errors </dev/null
+  done
 }
 
 KillsWhatDoesNotEndByATermination() {
@@ -197,8 +169,7 @@ GoesOnAfterAnInterrupt() {
   expect_status 0
   expect_file /tmp/fake/console <<<$'reply\nsummary\nnext'
   expect_file /tmp/fake/copy <<<$'reply\nsummary'
-  expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
-' ^C again ends it'
+  expect_file /tmp/fake/errors <<<"$interrupted"
 }
 
 GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
@@ -223,12 +194,9 @@ IsEndedByASecondInterrupt() {
   wait_until test -s /tmp/fake/errors
   kill -INT "$started"
 
-  wait_for_end
-  expect_status 130
+  expect_end_by INT
   expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
-' ^C again ends it'
-  expect_nothing_left
+  expect_file /tmp/fake/errors <<<"$interrupted"
 }
 
 # Whether all of the session is in one of the given states.
@@ -282,30 +250,21 @@ expect_terminal() {
   expect_file <(tr -d '\r' </tmp/fake/console)
 }
 
-start_pinging_on_terminal() {
-  need perl
-  echo "$pinging" >/tmp/work/pinging
-  start_on_terminal reply "sh -c 'perl /tmp/work/pinging | tee /tmp/fake/copy; echo next'"
-}
-
 start_lasting_on_terminal() {
   echo "echo lasting; $lasting" >/tmp/work/lasting
   start_on_terminal lasting 'sh /tmp/work/lasting'
 }
 
 GoesOnAfterTheInterruptKey() {
-  start_pinging_on_terminal
+  need perl
+  echo "$pinging" >/tmp/work/pinging
+  start_on_terminal reply "sh -c 'perl /tmp/work/pinging | tee /tmp/fake/copy; echo next'"
 
   press '\003'
 
   wait_for_end
   expect_status 0
-  expect_terminal <<'END'
-reply
-^CconnTester: interrupted: the run goes on with the next step; ^C again ends it
-summary
-next
-END
+  expect_terminal <<<"reply"$'\n'"^C$interrupted"$'\nsummary\nnext'
   expect_file /tmp/fake/copy <<<$'reply\nsummary'
 }
 
@@ -316,11 +275,8 @@ IsEndedByASecondInterruptKey() {
   wait_until shows again
   press '\003'
 
-  wait_for_end
-  expect_status 130
-  expect_terminal < <(printf '%s\n' lasting \
-    '^CconnTester: interrupted: the run goes on with the next step; ^C again ends it' && printf '^C')
-  expect_nothing_left
+  expect_end_by INT
+  expect_terminal < <(printf 'lasting\n^C%s\n^C' "$interrupted")
 }
 
 IsEndedByTheQuitKey() {
@@ -328,9 +284,7 @@ IsEndedByTheQuitKey() {
 
   press '\034'
 
-  wait_for_end
-  expect_status 131
-  expect_nothing_left
+  expect_end_by QUIT
 }
 
 GoesOnAfterTheStopKeyWhereNobodyCouldContinueIt() {
