@@ -45,16 +45,52 @@ expect_nothing_left() {
 ./share
 ./share/man
 END
-  [[ ! -e $installation ]] || fail "left: $(names_in "$installation")"
+  expect_no_folder
 }
 
-PutsItsFilesUnderThePrefix() {
+# Compares all kinds and modes of what the installation has made.
+expect_modes() {
+  expect_file <(find "$prefix" "$installation" ! -type l -printf '%y %m\n' | sort -u) <<'END'
+d 755
+f 644
+f 755
+END
+}
+
+uninstall() {
+  # shellcheck disable=SC2034 # used by `run`
+  tester=("${DESTDIR-}$programs/uninstall")
+  # shellcheck disable=SC2119 # without arguments
+  run
+}
+
+PutsItsFilesUnderThePrefixAndTakesThemAway() {
   prepare
+  local mask
+  for mask in 000 077; do
+    umask "$mask"
+
+    install_tester
+    install_tester
+
+    expect_file <(list_files "$prefix") <<<"$files"
+    expect_file <(names_in "$installation") <<<$'.made-by-connTester\nconnTester.conf\niperf3'
+    expect_modes
+    uninstall
+    expect_silent_success
+    expect_nothing_left
+    umask 022
+  done
+}
+
+ClosesFoldersOfItsOwnThatWereOpen() {
+  prepare
+  umask 000
+  mkdir -p "$programs"/{ping,iperf3}-adapter "$prefix/share/connTester"
 
   install_tester
 
-  expect_file <(list_files "$prefix") <<<"$files"
-  expect_file <(names_in "$installation") <<<$'.made-by-connTester\nconnTester.conf\niperf3'
+  expect_file <(find "$programs" "$prefix/share/connTester" -type d -printf '%m\n' | sort -u) <<<755
 }
 
 PutsAllOfThemBehindDestdir() {
@@ -67,39 +103,28 @@ PutsAllOfThemBehindDestdir() {
     printf '%s\n' "$files" | sed 's|^|tmp/usr/|'
     printf 'usr/local/bin/Qelmora/%s\n' .made-by-connTester connTester.conf iperf3)
   expect_nothing_left
+  uninstall
+  expect_silent_success
+  expect_file <(find /tmp/stage -mindepth 1 ! -path /tmp/stage/tmp ! -path /tmp/stage/usr | sort) <<'END'
+/tmp/stage/tmp/usr
+/tmp/stage/usr/local
+/tmp/stage/usr/local/bin
+END
 }
 
-InstallsAProgramThatRuns() {
-  install_tester
-  configure doPingTests=false doIperf3Tests=false
-
-  run 10.0.0.5
-
-  expect_status 0
-  expect_file /tmp/fake/errors </dev/null
-  grep -q '^current time .* argc is 2\. Server IP address: 10\.0\.0\.5$' /tmp/fake/console ||
-    fail "the program's start is missing: $(cat /tmp/fake/console)"
-}
-
-LeavesAConfigurationAndALinkThatExist() {
+LeavesTheUsersFiles() {
+  mkdir -p "$prefix/bin" "$prefix/share/doc/conntester"
+  touch "$prefix/bin/mine" "$prefix/share/doc/conntester/mine"
   configure numPings=3
   ln -sf /opt/iperf3 "$installation/iperf3"
+  remember_folder
 
   install_tester
+  uninstall
 
-  expect_file "$installation/connTester.conf" <<<numPings=3
-  expect_file <(readlink "$installation/iperf3") <<</opt/iperf3
-}
-
-SaysThatIperf3IsMissing() {
-  prepare
-  provide cmake cp dirname grep ln mkdir mv readlink sh
-
-  PATH=/tmp/bin install_tester
-
-  expect_file <(grep '^connTester:' /tmp/fake/installation) \
-    <<<'connTester: iperf3 is not installed. Install it, or switch the tests with it off.'
-  expect_file <(list_files "$prefix") <<<"$files"
+  expect_silent_success
+  expect_file <(list_files "$prefix") <<<$'bin/mine\nshare/doc/conntester/mine'
+  expect_folder_as_it_was
 }
 
 SaysThatTheFixedPathsCannotBeMade() { # --unprivileged
@@ -107,41 +132,11 @@ SaysThatTheFixedPathsCannotBeMade() { # --unprivileged
 
   install_tester
 
-  grep -q '^connTester: cannot write in /usr/local/bin/Qelmora$' /tmp/fake/installation ||
-    fail "it does not say what fails: $(cat /tmp/fake/installation)"
-  expect_file <(tr -s '\n ' ' ' </tmp/fake/installation | grep -o "run, as root: [^ ]* make") \
-    <<<"run, as root: $programs/fixed-paths make"
-}
-
-# Compares all kinds and modes of what the installation has made.
-expect_modes() {
-  expect_file <(find "$prefix" "$installation" ! -type l -printf '%y %m\n' | sort -u) <<'END'
-d 755
-f 644
-f 755
+  expect_file <(tr -s '\n ' ' ' </tmp/fake/installation |
+    grep -o 'connTester: cannot write in [^ ]*\|run, as root: [^ ]* make') <<END
+connTester: cannot write in $installation
+run, as root: $programs/fixed-paths make
 END
-}
-
-SetsModesWhateverTheUmask() {
-  local mask
-  for mask in 000 077; do
-    rm -rf "$prefix" "$installation"
-    umask "$mask"
-
-    install_tester
-
-    expect_modes
-  done
-}
-
-ClosesFoldersOfItsOwnThatWereOpen() {
-  prepare
-  umask 000
-  mkdir -p "$programs"/{ping,iperf3}-adapter "$prefix/share/connTester"
-
-  install_tester
-
-  expect_file <(find "$programs" "$prefix/share/connTester" -type d -printf '%m\n' | sort -u) <<<755
 }
 
 RefusesAPrefixThatListsCannotHold() {
@@ -157,123 +152,43 @@ RefusesAPrefixThatListsCannotHold() {
   done
 }
 
-IsUndoneByUninstall() {
-  prepare
-  install_tester
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("$programs/uninstall")
-
-  run
-
-  expect_status 0
-  expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors </dev/null
-  expect_nothing_left
-}
-
-IsUndoneWholeWhenItWasMadeTwice() {
-  prepare
-  install_tester
-  install_tester
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("$programs/uninstall")
-
-  run
-
-  expect_status 0
-  expect_nothing_left
-}
-
-IsUndoneBehindDestdir() {
-  prepare
-  export DESTDIR=/tmp/stage
-  install_tester
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("/tmp/stage$programs/uninstall")
-
-  run
-
-  expect_status 0
-  expect_file <(find /tmp/stage -mindepth 1 ! -path /tmp/stage/tmp ! -path /tmp/stage/usr | sort) <<'END'
-/tmp/stage/tmp/usr
-/tmp/stage/usr/local
-/tmp/stage/usr/local/bin
-END
-}
-
-LeavesTheUsersFilesWhenItIsUndone() {
-  mkdir -p "$prefix/bin" "$prefix/share/doc/conntester"
-  touch "$prefix/bin/mine" "$prefix/share/doc/conntester/mine"
-  configure numPings=3
-  cp -a "$installation" /tmp/before
-  install_tester
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("$programs/uninstall")
-
-  run
-
-  expect_status 0
-  expect_file <(list_files "$prefix") <<<$'bin/mine\nshare/doc/conntester/mine'
-  diff -r /tmp/before "$installation" || fail 'the folder of the program has changed'
-}
-
-# Runs uninstall, which has to say $1 and to leave everything.
-expect_refusal() {
+# Spoils the installation by the shell commands $1. `uninstall` has to say $2 and to leave everything.
+expect_refusal_after() {
+  rm -rf "$prefix"
+  cp -a /tmp/sound "$prefix"
+  eval "$1"
   cp -a "$prefix" /tmp/before
-  tester=("$programs/uninstall")
 
-  run
+  uninstall
 
   expect_status 1
-  expect_file /tmp/fake/errors <<<"connTester: nothing is removed: $1"
+  expect_file /tmp/fake/errors <<<"connTester: nothing is removed: $2"
   diff -r --no-dereference /tmp/before "$prefix" || fail 'something is gone'
   rm -r /tmp/before
-  [[ -L $installation/iperf3 ]] || fail 'the fixed path is gone'
+  [[ -L $installation/iperf3 && -e /tmp/victim/file ]] || fail 'something elsewhere is gone'
 }
 
-RefusesToFollowAManifestToOtherPlaces() {
+RefusesToUndoWhatTheInstallationCannotHaveMade() {
   prepare
   install_tester
+  cp -a "$prefix" /tmp/sound
   mkdir /tmp/victim
   touch /tmp/victim/file
-  ln -s /tmp/victim "$prefix/share/link"
+
   local entry
   for entry in ../victim/file share/../../victim/file /tmp/victim/file .. ./bin '' bin//file; do
-    cp "$programs/manifest" /tmp/work/manifest
-    echo "$entry" >>"$programs/manifest"
-
-    expect_refusal "$programs/manifest names \"$entry\""
-
-    cp /tmp/work/manifest "$programs/manifest"
+    expect_refusal_after "echo $entry >>$programs/manifest" "$programs/manifest names \"$entry\""
   done
-  echo share/link/file >>"$programs/manifest"
-  expect_refusal "$programs/manifest names \"share/link/file\", which is in /tmp/victim"
-  [[ -e /tmp/victim/file ]] || fail 'a file elsewhere is gone'
-}
-
-RefusesAManifestThatIsNoFile() {
-  prepare
-  install_tester
-  rm "$programs/manifest"
-  expect_refusal "$programs/manifest is no file"
-
-  mkdir "$programs/manifest"
-  expect_refusal "$programs/manifest is no file"
-}
-
-RefusesAManifestThatOthersMayWrite() {
-  prepare
-  install_tester
-  local mode
-  for mode in g+w o+w; do
-    chmod "$mode" "$programs/manifest"
-    expect_refusal "others may write $programs/manifest"
-    chmod go-w "$programs/manifest"
-
-    chmod "$mode" "$programs"
-    expect_refusal "others may write $programs"
-    chmod go-w "$programs"
-  done
+  for_each_case expect_refusal_after <<END
+ln -s /tmp/victim $prefix/share/link; echo share/link/file >>$programs/manifest \
+                             | $programs/manifest names "share/link/file", which is in /tmp/victim
+chmod g+w $programs/manifest | others may write $programs/manifest
+chmod o+w $programs/manifest | others may write $programs/manifest
+chmod g+w $programs          | others may write $programs
+chmod o+w $programs          | others may write $programs
+rm $programs/manifest        | $programs/manifest is no file
+ln -sf . $programs/manifest  | $programs/manifest is no file
+END
 }
 
 run_test "$@"

@@ -199,9 +199,9 @@ mkdir /tmp/own; ln -s /tmp/own /tmp/home/Library; chown 4711 /tmp/own           
 mkdir /tmp/own; ln -s /tmp/own /tmp/home/Library; chown -h 4711 /tmp/home/Library | /tmp/home/Library
 END
   for path in "$logs"/{connTester.lock,nul,ping_latest.log,connection_test_results.txt}; do
-    expect_not_own "make_log_directories; ln -s /tmp/own/file $path; chown -h 4711 $path" "$path"
+    expect_not_own "make_log_directories; ln -s /tmp/nowhere $path; chown -h 4711 $path" "$path"
   done
-  [[ ! -e /tmp/own/file ]] || fail 'a link was followed'
+  [[ ! -e /tmp/nowhere ]] || fail 'a link was followed'
 }
 
 LeavesTheHomeToRoot() { # --other-users
