@@ -2,156 +2,116 @@
 # The package's maintainer scripts, with the test's prefix in the place of /usr.
 source "$(dirname "$0")/library.sh"
 
-# Unpacks the package as dpkg does, on a machine without the fixed paths.
-unpack() {
-  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" --component program >/tmp/fake/installation
-  rm -rf "$installation"
-}
+record=$installation/.made-by-connTester
+settings=$installation/connTester.conf
 
-# Runs a maintainer script with its arguments, as dpkg does. It has to succeed.
-maintain() {
+# Runs a maintainer script with its arguments, as dpkg does.
+run_script() {
   sed "s|/usr/libexec|$prefix/libexec|" "$packaging/debian/$1" >/tmp/work/script
   tester=(sh /tmp/work/script)
   run "${@:2}"
-  expect_status 0
-  expect_file /tmp/fake/console </dev/null
 }
 
-expect_silence() {
-  expect_file /tmp/fake/errors </dev/null
+maintain() {
+  run_script "$@"
+  expect_silent_success
 }
 
-# What dpkg does when it removes the package.
+# The steps of the tables are these and the shell's.
+
+install_package() {
+  install_without_fixed_paths
+  maintain postinst configure
+}
+
 remove_package() {
   maintain prerm remove
   rm -r "$prefix"
   maintain postrm remove
 }
 
-PurgeLeavesNothing() {
-  unpack
-  maintain postinst configure
+purge_package() {
   remove_package
-  expect_silence
-
   maintain postrm purge
-
-  expect_silence
-  [[ ! -e $installation ]] || fail "left: $(names_in "$installation")"
 }
 
-PurgeLeavesAFolderThatHoldsMore() {
-  unpack
-  maintain postinst configure
-  touch "$installation/mine"
-  remove_package
-
-  maintain postrm purge
-
-  expect_silence
-  expect_file <(names_in "$installation") <<<mine
-}
-
-RemovalLeavesTheSettings() {
-  unpack
-  maintain postinst configure
-  cp "$installation/connTester.conf" /tmp/before
-
-  remove_package
-
-  expect_silence
-  expect_file <(names_in "$installation") <<<$'.made-by-connTester\nconnTester.conf'
-  expect_same /tmp/before "$installation/connTester.conf"
-}
-
-UpgradeLeavesAllAsItIs() {
-  unpack
-  maintain postinst configure
-  cp -a "$installation" /tmp/before
-
-  maintain prerm upgrade 1.0.0-2
-
-  expect_silence
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the upgrade has changed something'
-  maintain postrm upgrade 1.0.0-2
-  maintain postinst configure 1.0.0-1
-  expect_silence
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the upgrade has changed something'
-}
-
-PurgeLeavesWhatIsTheUsers() {
-  configure numPings=3
-  ln -sf /opt/iperf3 "$installation/iperf3"
-  cp -a "$installation" /tmp/before
-  unpack
-  cp -a /tmp/before "$installation"
-  maintain postinst configure
-  remove_package
-
-  maintain postrm purge
-
-  expect_silence
-  diff -r --no-dereference /tmp/before "$installation" || fail 'something of the user has changed'
-}
-
-# Installs with CMake beside the package.
+# With CMake, beside the package.
 install_another() {
   cmake --install "$BUILD_DIRECTORY" --prefix /tmp/other >/tmp/fake/installation 2>&1
 }
 
-PurgeLeavesWhatCMakeHasInstalled() {
-  unpack
-  install_another
-  cp -a "$installation" /tmp/before
-  maintain postinst configure
-  remove_package
+# Takes the steps $1 and compares the names that are left in the fixed folder; without any, it has to be gone.
+expect_left_after() {
+  eval "$1"
 
-  maintain postrm purge
-
-  expect_silence
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the other one has lost something'
+  expect_file <(find "$installation" -printf '%f\n' 2>/dev/null | LC_ALL=C sort | paste -sd ' ') <<<"${2-}"
+  rm -rf /tmp/other
 }
 
-PurgeLeavesTheSettingsThatCMakesInstallationShares() {
-  unpack
-  maintain postinst configure
-  install_another
-  echo numPings=3 >"$installation/connTester.conf"
-  remove_package
-
-  maintain postrm purge
-
-  expect_silence
-  expect_file "$installation/connTester.conf" <<<numPings=3
-  rm "$installation/connTester.conf"
-  /tmp/other/libexec/connTester/uninstall
-  [[ ! -e $installation ]] || fail "left: $(names_in "$installation")"
+LeaveTheSettingsUntilThePurge() {
+  for_each_case expect_left_after <<END
+install_package; remove_package                        | .made-by-connTester Qelmora connTester.conf
+install_package; purge_package                         |
+install_package; remove_package; truncate -s -1 $record; maintain postrm purge |
+install_package; touch $installation/mine; purge_package | Qelmora mine
+END
 }
 
-PurgeReadsARecordWhoseLastLineHasNoEnd() {
-  unpack
-  maintain postinst configure
-  remove_package
-  printf %s "$(<"$installation/.made-by-connTester")" >"$installation/.made-by-connTester"
-
-  maintain postrm purge
-
-  expect_silence
-  [[ ! -e $installation ]] || fail "left: $(names_in "$installation")"
+LeaveTheSettingsThatCMakesInstallationShares() {
+  for_each_case expect_left_after <<END
+install_package; install_another; echo numPings=3 >$settings; purge_package; grep -x numPings=3 $settings \
+                                                       | .made-by-connTester Qelmora connTester.conf
+install_package; install_another; purge_package; /tmp/other/libexec/connTester/uninstall |
+END
 }
 
-SaysWhatStaysWhereItCannotBeWritten() { # --unprivileged
-  unpack
-  maintain postinst configure
+make_own() {
+  mkdir "$installation"
+  ln -s /opt/iperf3 "$installation/iperf3"
+  echo numPings=3 >"$settings"
+}
+
+LeaveWhatIsNotThePackages() {
+  local make
+  for make in make_own install_another; do
+    install_without_fixed_paths
+    "$make"
+    remember_folder
+
+    # It says that the link is another one's.
+    run_script postinst configure
+    expect_status 0
+    purge_package
+
+    expect_folder_as_it_was
+  done
+}
+
+LeaveAllToAnUpgrade() {
+  install_package
+  remember_folder
+
+  maintain prerm upgrade 1.0.0-2
+  expect_folder_as_it_was
+  maintain postrm upgrade 1.0.0-2
+  maintain postinst configure 1.0.0-1
+
+  expect_folder_as_it_was
+}
+
+SayWhatStaysWhereItCannotBeWritten() { # --unprivileged
+  install_package
   chmod a-w "$installation"
-  cp -a "$installation" /tmp/before
-  maintain prerm remove
+  remember_folder
+
+  run_script prerm remove
+  expect_status 0
   expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
-
-  maintain postrm purge
-
+  run_script postrm purge
+  expect_status 0
   expect_file /tmp/fake/errors <<<"connTester: $installation stays: it cannot be written"
-  diff -r --no-dereference /tmp/before "$installation" || fail 'something has changed'
+
+  expect_folder_as_it_was
 }
 
 run_test "$@"
