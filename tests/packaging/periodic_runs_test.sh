@@ -4,89 +4,81 @@ source "$(dirname "$0")/library.sh"
 
 units=$prefix/lib/systemd/user
 
-# Installs to where systemd, cron and launchd look for commands, which know nothing else of the user
-# than this.
+# Installs, with a program that does $1, to where systemd, cron and launchd look for commands. They know
+# nothing else of the user than this.
 install_in_path() {
   install_fake_program "$1"
   ln -s "$prefix/bin/connTester" /usr/local/bin/connTester
   tester=(env --ignore-environment HOME="$HOME" FAKE_DIR="$FAKE_DIR")
 }
 
-verify_unit() {
-  need systemd-analyze
-  XDG_RUNTIME_DIR=/tmp/work systemd-analyze verify --user --man=no "$units/$1" \
-    >/tmp/fake/verified 2>&1 || fail "$(cat /tmp/fake/verified)"
+expect_one_run() {
+  expect_silent_success
+  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
+}
+
+expect_valid() {
+  XDG_RUNTIME_DIR=/tmp/work systemd-analyze verify --user --man=no "$units/$1" >/tmp/fake/verified 2>&1 ||
+    fail "$(cat /tmp/fake/verified)"
   expect_file /tmp/fake/verified </dev/null
 }
 
 UnitsAreValid() {
+  need systemd-analyze
   install_in_path 'exit 0'
 
-  verify_unit connTester@.service
-  verify_unit connTester@.timer
-}
-
-LockedDownServiceIsValid() {
-  install_in_path 'exit 0'
-
-  mkdir "$units/connTester@.service.d"
-  cp "$prefix/share/connTester/locked-down.conf" "$units/connTester@.service.d"
-
-  verify_unit connTester@.service
-}
-
-ServiceRunsTheTesterAgainstItsInstance() {
-  install_in_path 'exit 0'
-  local command
-  command=$(sed -n 's/^ExecStart=//p' "$units/connTester@.service")
-
-  run PATH=/usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
-
-  expect_status 0
-  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
+  expect_valid connTester@.service
+  expect_valid connTester@.timer
 }
 
 # Another systemd may rate it a little otherwise than the unit says.
-LockedDownServiceIsExposedLittle() {
+LockedDownServiceIsValidAndExposedLittle() {
   need systemd-analyze
   install_in_path 'exit 0'
-  mkdir "$units/connTester@.service.d"
-  cp "$prefix/share/connTester/locked-down.conf" "$units/connTester@.service.d"
+  install -D -m 644 "$prefix/share/connTester/locked-down.conf" "$units/connTester@.service.d/locked-down.conf"
 
+  expect_valid connTester@.service
   XDG_RUNTIME_DIR=/tmp/work systemd-analyze security --user --offline=true --threshold=20 \
     --no-pager "$units/connTester@.service" >/tmp/fake/security ||
     fail "it is exposed: $(cat /tmp/fake/security)"
 }
 
-# Runs what the service runs at its end, after a run with exit status $1.
-end_service() {
-  local command
-  command=$(sed -n 's/^ExecStopPost=//p' "$units/connTester@.service")
-  run PATH=/usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "${command:?}"
-  expect_file /tmp/fake/errors </dev/null
+# Prints the value of a key of the service.
+service_value() {
+  sed -n "s/^$1=//p" "$units/connTester@.service"
 }
 
-ServiceSucceedsWithARunThatWasLeftOut() {
+ServiceRunsTheTesterAgainstItsInstance() {
   install_in_path 'exit 0'
-  expect_file <(sed -n 's/^SuccessExitStatus=//p' "$units/connTester@.service") <<<75
-  make_log_directories
-  touch -d '59 minutes ago' "$logs/connTester.lock"
+  local command
+  command=$(service_value ExecStart)
 
-  end_service 75
+  run PATH=/usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
 
-  expect_status 0
+  expect_one_run
+}
+
+# Runs what the service runs at its end, after a run with exit status $1 beside one that began $2 minutes
+# ago. It has to end with status $3.
+expect_end() {
+  touch -d "$2 minutes ago" "$logs/connTester.lock"
+
+  run PATH=/usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "$(service_value ExecStopPost)"
+
+  expect_status "$3"
+  expect_file /tmp/fake/errors </dev/null
 }
 
 ServiceFailsWhenRunsAreLeftOutForAnHour() {
   install_in_path 'exit 0'
   make_log_directories
-  touch -d '62 minutes ago' "$logs/connTester.lock"
 
-  end_service 75
-  expect_status 1
-
-  end_service 0
-  expect_status 0
+  expect_file <(service_value SuccessExitStatus) <<<75
+  for_each_case expect_end <<'END'
+75 | 59 | 0
+75 | 62 | 1
+0  | 62 | 0
+END
 }
 
 # Prints the command of the crontab line, as the documented command sets it up.
@@ -94,20 +86,13 @@ cron_command() {
   sed s/ADDRESS/192.168.1.10/ "$prefix/share/connTester/connTester.crontab" | cut -d ' ' -f 6-
 }
 
-CrontabHoldsOneLineForEveryHour() {
-  expect_file <(grep -c . "$packaging/cron/connTester.crontab") <<<1
-  expect_file <(cut -d ' ' -f -5 "$packaging/cron/connTester.crontab") <<<'17 * * * *'
-}
-
-CrontabLineRunsTheTesterSilently() {
+CrontabLineRunsTheTesterSilentlyEveryHour() {
   install_in_path 'echo result'
 
   run PATH=/usr/bin:/bin sh -c "$(cron_command)"
 
-  expect_status 0
-  expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors </dev/null
-  expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
+  expect_one_run
+  expect_file <(cut -d ' ' -f -5 "$packaging/cron/connTester.crontab") <<<'17 * * * *'
 }
 
 CrontabLineEndsARunThatTakesTooLong() {
@@ -129,14 +114,19 @@ value = plistlib.loads(sys.stdin.buffer.read())[sys.argv[1]]
 print(*(value if isinstance(value, list) else [value]), sep="\n")' "$1"
 }
 
-LaunchdAgentRunsTheTesterEveryHour() {
+# Runs the command of the agent, with $1 in place of its seconds.
+run_agent() {
   need perl
   need python3
-  install_in_path 'exit 3'
   local arguments
-  mapfile -t arguments < <(agent_value ProgramArguments)
-
+  mapfile -t arguments < <(agent_value ProgramArguments | sed "s/^600\$/$1/")
   run PATH=/usr/local/bin:/usr/bin:/bin "${arguments[@]}"
+}
+
+LaunchdAgentRunsTheTesterEveryHour() {
+  install_in_path 'exit 3'
+
+  run_agent 600
 
   expect_status 3
   expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
@@ -145,13 +135,9 @@ LaunchdAgentRunsTheTesterEveryHour() {
 }
 
 LaunchdAgentEndsARunThatTakesTooLong() {
-  need perl
-  need python3
   install_in_path 'exec sleep 60'
-  local arguments
-  mapfile -t arguments < <(agent_value ProgramArguments | sed 's/^600$/1/')
 
-  run PATH=/usr/local/bin:/usr/bin:/bin "${arguments[@]}"
+  run_agent 1
 
   expect_status 142
 }
