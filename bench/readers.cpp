@@ -133,9 +133,3 @@ std::span<const ReportReader> reportReaders() {
 std::span<const HistoryReader> historyReaders() {
   return kHistoryReaders;
 }
-
-// The linker hands the calls of system() to this: no history is moved.
-// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
-extern "C" int __wrap_system(const char* /*command*/) {
-  return 0;
-}

@@ -2,8 +2,8 @@
 //
 // Usage: readers_bench [OPTION OF GOOGLE BENCHMARK...] DIRECTORY
 #include "readers.h"
+#include "support/iperf3_record.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
@@ -13,20 +13,11 @@
 
 namespace {
 
-bool isSame(const iperf3_status& a, const iperf3_status& b) {
-  using std::ranges::equal;
-  return equal(a.date, b.date) && equal(a.clientIp, b.clientIp) && equal(a.serverIp, b.serverIp) &&
-         a.clientPort == b.clientPort && a.serverPort == b.serverPort &&
-         equal(a.testTime, b.testTime) && equal(a.reverse, b.reverse) &&
-         a.lengthSent == b.lengthSent && a.bpsSent == b.bpsSent && a.lengthRcvd == b.lengthRcvd &&
-         a.bpsRcvd == b.bpsRcvd;
-}
-
 /// Ends the process unless all readers find the same in the report.
 void requireAgreement(const std::string& path) {
-  const iperf3_status expected = reportReaders().front().read(path);
+  const std::string expected = recordText(reportReaders().front().read(path));
   for (const ReportReader& reader : reportReaders()) {
-    if (!isSame(reader.read(path), expected)) {
+    if (recordText(reader.read(path)) != expected) {
       std::fprintf(stderr, "%s reads %s differently\n", reader.name, path.c_str());
       std::exit(1);
     }

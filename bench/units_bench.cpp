@@ -10,24 +10,20 @@
 #include "ping/ping_windows.h"
 #include "results/result_line.h"
 #include "run_state.h"
+#include "support/files.h"
+#include "support/log_files.h"
 #include "text_buffer.h"
 #include "time_services.h"
 
 #include <benchmark/benchmark.h>
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
 constexpr char kLogDirectory[] = "/tmp/units/";
-constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
-
-void writeFile(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
 
 void recorded(const std::string& name, const std::string& copy) {
-  std::filesystem::copy_file(TEST_DATA_DIR "/" + name, kLogDirectory + copy);
+  std::filesystem::copy_file(TEST_DATA_DIR "/" + name, logFile(copy));
 }
 
 void makeFiles() {
@@ -39,12 +35,12 @@ void makeFiles() {
   recorded("iperf3/3.12/forward.json", "iperf3_latest.log");
   const std::string line =
       "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,118000,943718,0,0\n";
+  std::string history;
   for (int i = 0; i < 9; ++i) {
-    std::ofstream(std::string(kLogDirectory) + "iperf3_history_forward_csv.log", std::ios::app)
-        << line;
+    history += line;
   }
-  writeFile(std::string(kLogDirectory) + "\\ping_latest.log",
-            "    Minimum = 12ms, Maximum = 20ms, Average = 15ms\r\n");
+  writeFile(logFile("iperf3_history_forward_csv.log"), history);
+  writeFile(logFile("\\ping_latest.log"), "    Minimum = 12ms, Maximum = 20ms, Average = 15ms\r\n");
 }
 
 template <typename Step>
@@ -58,7 +54,7 @@ void addUnit(const char* name, Step step) {
 
 /// A ping or result history that would grow with each turn starts anew.
 void forget(const char* history) {
-  std::filesystem::remove(std::string(kLogDirectory) + history);
+  std::filesystem::remove(logFile(history));
 }
 
 void addUnits() {
@@ -86,12 +82,6 @@ void addUnits() {
 }
 
 }  // namespace
-
-// The linker hands the calls of system() to this.
-// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
-extern "C" int __wrap_system(const char* /*command*/) {
-  return 0;
-}
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);

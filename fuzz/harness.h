@@ -5,6 +5,9 @@
 // Files: LOG_PATH, a directory below /tmp (emptied for each input).
 #pragma once
 
+#include "support/files.h"
+#include "support/log_files.h"
+
 #include <cstddef>
 #include <initializer_list>
 #include <stdexcept>
@@ -19,14 +22,6 @@ extern std::size_t commandCount;
 
 /// Puts the settings, the results and the log directory back to the start of a run.
 void startRun();
-
-void writeFile(const std::string& path, const std::string& text);
-
-/// Returns the whole file; empty without one.
-std::string readFile(const std::string& path);
-
-/// The path of a file in the log directory.
-std::string logFile(const std::string& name);
 
 /// Ends the process with the name of a `promise` that was not kept.
 void require(bool kept, const char* promise);

@@ -1,10 +1,10 @@
 // Runs a fuzz target once over every file below the paths of its command line, without libFuzzer.
+#include "support/files.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
 
 // NOLINTNEXTLINE(readability-identifier-naming)
@@ -14,8 +14,7 @@ namespace {
 
 void replay(const std::filesystem::path& path) {
   std::cerr << path.native() << std::endl;
-  std::ifstream file(path, std::ios::binary);
-  const std::string input{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  const std::string input = readFile(path);
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
 }
 

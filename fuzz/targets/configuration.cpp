@@ -3,15 +3,11 @@
 #include "harness.h"
 #include "run_state.h"
 
-#include <filesystem>
-
 namespace {
-
-constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
 
 /// Ends the process where a configuration file stands already, which it would overwrite.
 void requireOwnMachine() {
-  static const bool isOwn = !std::filesystem::exists(kConfigPath);
+  static const bool isOwn = !fileExists(kConfigPath);
   require(isOwn, "the target runs behind tests/support/private_machine");
 }
 

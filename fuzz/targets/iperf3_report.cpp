@@ -3,26 +3,11 @@
 #include "iperf3/iperf3_json.h"
 #include "iperf3/iperf3_run.h"
 #include "run_state.h"
+#include "support/iperf3_record.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 
 namespace {
-
-bool isSame(double a, double b) {
-  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-}
-
-bool isSame(const iperf3_status& a, const iperf3_status& b) {
-  using std::ranges::equal;
-  return equal(a.date, b.date) && equal(a.clientIp, b.clientIp) && equal(a.serverIp, b.serverIp) &&
-         a.clientPort == b.clientPort && a.serverPort == b.serverPort &&
-         equal(a.testTime, b.testTime) && equal(a.reverse, b.reverse) &&
-         a.transferId == b.transferId && a.lengthSent == b.lengthSent &&
-         isSame(a.bpsSent, b.bpsSent) && a.lengthRcvd == b.lengthRcvd &&
-         isSame(a.bpsRcvd, b.bpsRcvd);
-}
 
 bool isSameRate(const Results& a, const Results& b) {
   return a.writeRateValid == b.writeRateValid && a.writeRateBps == b.writeRateBps &&
@@ -53,7 +38,7 @@ void readInput(const std::string& input) {
   iperf3_status windows;
   require(endingOf([&] { iperf3JsonToCsv(path.c_str(), windows); }, {"stoi", "stoll"}) == ending,
           "both variants end alike");
-  require(isSame(status, windows) && isSameRate(results, outputResults),
+  require(recordText(status) == recordText(windows) && isSameRate(results, outputResults),
           "both variants find the same");
 
   writeFile(logFile("iperf3_latest-R.log"), input);

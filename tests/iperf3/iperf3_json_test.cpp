@@ -1,6 +1,7 @@
 #include "iperf3/iperf3_json.h"
 
 #include "run_state.h"
+#include "support/iperf3_record.h"
 #include "support/recordings.h"
 #include "support/results_text.h"
 #include "support/run_fixture.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
@@ -21,29 +21,6 @@ namespace {
 using Extractor = void (*)(const char* path, iperf3_status& status);
 
 constexpr char kReportPath[] = "report.json";
-
-/// The text of a field, which a full one holds without a terminator; "-" for an empty one.
-template <std::size_t N>
-std::string fieldText(const char (&field)[N]) {
-  const std::string text(field, strnlen(field, N));
-  return text.empty() ? "-" : text;
-}
-
-std::string exact(double value) {
-  char text[32];
-  formatInto(text, "%.17g", value);
-  return text;
-}
-
-/// The twelve fields in their order, "-" for an empty text.
-std::string recordText(const iperf3_status& status) {
-  return fieldText(status.date) + " " + fieldText(status.clientIp) + " " +
-         std::to_string(status.clientPort) + " " + fieldText(status.serverIp) + " " +
-         std::to_string(status.serverPort) + " " + fieldText(status.testTime) + " " +
-         fieldText(status.reverse) + " " + std::to_string(status.transferId) + " " +
-         std::to_string(status.lengthSent) + " " + exact(status.bpsSent) + " " +
-         std::to_string(status.lengthRcvd) + " " + exact(status.bpsRcvd);
-}
 
 /// A line of a report as iperf3 lays it out.
 std::string member(const std::string& name, const std::string& value) {

@@ -9,6 +9,7 @@
 #include "run_driver.h"
 #include "run_state.h"
 #include "standard_streams.h"
+#include "support/fake_shell.h"
 #include "text_buffer.h"
 
 #include <cstdio>
@@ -28,26 +29,18 @@ const std::map<std::string, std::function<void()>> kSteps = {
 constexpr std::string_view kClient = "/usr/bin/iperf";
 constexpr char kClientOfTheTest[] = "/tmp/bin/iperf";
 
-}  // namespace
-
-// The linker gives these names their meaning.
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
-extern "C" {
-
-int __real_system(const char* command);
-
-int __wrap_system(const char* command) {
+int runClientOfTheTest(const char* command) {
   std::string text = command;
   if (text.starts_with(kClient)) {
     text.replace(0, kClient.size(), kClientOfTheTest);
   }
-  return __real_system(text.c_str());
+  return realShell(text.c_str());
 }
 
-}  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+}  // namespace
 
 int main(int argc, char** argv) {
+  fakeShell = runClientOfTheTest;
   ConfigurationParameters.doIperf2Tests = true;
   if (argc <= 2) {
     return runConnectionTest(argc, argv);

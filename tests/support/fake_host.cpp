@@ -1,8 +1,18 @@
 #include "support/fake_host.h"
 
+#include "support/fake_shell.h"
+
 #include <gtest/gtest.h>
 
 FakeHost fakeHost;
+
+int FakeHost::run(const char* command) {
+  commands.emplace_back(command);
+  if (onCommand) {
+    onCommand(command);
+  }
+  return runsCommands ? realShell(command) : shellStatus;
+}
 
 namespace {
 
@@ -19,16 +29,6 @@ bool timeTextFails() {
 // The linker hands every call of the wrapped functions to these; their names are its own.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
-
-int __real_system(const char* command);
-
-int __wrap_system(const char* command) {
-  fakeHost.commands.emplace_back(command);
-  if (fakeHost.onCommand) {
-    fakeHost.onCommand(command);
-  }
-  return fakeHost.runsCommands ? __real_system(command) : fakeHost.shellStatus;
-}
 
 int __wrap_nanosleep(const std::timespec* request, std::timespec* remainder) {
   EXPECT_EQ(remainder, nullptr);

@@ -18,6 +18,8 @@ struct FakeHost {
   int failingTimeTexts = 0;           // how many calls of ctime and ctime_r fail from now on
   bool runsCommands = false;          // hand the commands to the real shell, too
   std::function<void(const std::string& command)> onCommand;  // what a command does instead
+
+  int run(const char* command);  // the shell
 };
 extern FakeHost fakeHost;
 

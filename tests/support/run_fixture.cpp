@@ -1,15 +1,14 @@
 #include "support/run_fixture.h"
 
 #include "run_state.h"
+#include "support/fake_shell.h"
 #include "text_buffer.h"
 #include "time_services.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <sstream>
 #include <unistd.h>
 
 namespace {
@@ -46,6 +45,7 @@ void RunFixture::SetUp() {
   fakeHost = {};
   fakeHost.now = kStartTime;
   fakeTimebase = kTimebaseAtStart;
+  fakeShell = [](const char* command) { return fakeHost.run(command); };
   std::cout.precision(6);
 
   char directory[] = "/tmp/run.XXXXXX";
@@ -79,32 +79,6 @@ void RunFixture::useLongestLogDirectory() {
   formatInto(LOG_PATH, "%s/", directory.c_str());
   formatInto(LOG_PATH_ARCHIVE, "%s/archive/", directory.c_str());
   std::filesystem::create_directories(LOG_PATH_ARCHIVE);
-}
-
-std::string RunFixture::logFile(const std::string& name) {
-  return LOG_PATH + name;
-}
-
-std::string RunFixture::archiveFile(const std::string& name) {
-  return LOG_PATH_ARCHIVE + name;
-}
-
-void writeFile(const std::string& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  ASSERT_TRUE(file.good()) << path;
-}
-
-std::string readFile(const std::string& path) {
-  const std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.good()) << path;
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-bool fileExists(const std::string& path) {
-  return std::filesystem::exists(path);
 }
 
 std::string testData(const std::string& name) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "support/fake_host.h"
+#include "support/files.h"
+#include "support/log_files.h"
 
 #include <gtest/gtest.h>
 
@@ -29,25 +31,12 @@ class RunFixture : public testing::Test {
   /// Moves the log directory to a path of 205 characters, the longest that HOME leads to.
   static void useLongestLogDirectory();
 
-  /// The path of a file in the log directory.
-  static std::string logFile(const std::string& name);
-  static std::string archiveFile(const std::string& name);
-
  private:
   bool configured_ = false;
 };
 
 inline constexpr std::time_t kStartTime = 1'794'807'600;
 inline constexpr char kStartStamp[] = "20261116T054000";
-
-inline constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
-
-void writeFile(const std::string& path, const std::string& text);
-
-/// Returns the whole file; fails the test when there is none.
-std::string readFile(const std::string& path);
-
-bool fileExists(const std::string& path);
 
 /// The path of a file of tests/data/.
 std::string testData(const std::string& name);
