@@ -58,11 +58,8 @@ TEST_F(HistoryAppend, PrintsItsCommandBeforeItRunsWithHistoryPrinting) {
             "/l/iperf3_history_forward_csv.log\n\nran\n");
 }
 
-TEST_F(HistoryAppend, PrintsNothingWithAllOtherPrintingOn) {
-  ConfigurationParameters.debugPrintPing = true;
-  ConfigurationParameters.debugConfFile = true;
-  ConfigurationParameters.debugPrintIperf = true;
-  ConfigurationParameters.debugPrintLast = true;
+TEST_F(HistoryAppend, IsPrintedByNoOtherSwitch) {
+  flipPrintsBut(&Configuration::debugPrintHistory);
 
   EXPECT_EQ(console([] { read_latest_iperf_log_file(3, true); }), "");
 }
@@ -71,25 +68,6 @@ TEST_F(HistoryAppend, GivesTheStatusOfTheShellBack) {
   fakeHost.shellStatus = 256;
 
   EXPECT_EQ(read_latest_iperf_log_file(3, false), 256);
-}
-
-TEST_F(HistoryAppend, PutsTheLatestFileBehindTheHistory) {
-  fakeHost.runsCommands = true;
-  writeFile(logFile("iperf3_history_reverse_csv.log"), "one\n");
-  writeFile(logFile("iperf3_latest_reverse_csv.log"), "two\n");
-
-  read_latest_iperf_log_file(3, true);
-
-  EXPECT_EQ(readFile(logFile("iperf3_history_reverse_csv.log")), "one\ntwo\n");
-  EXPECT_EQ(readFile(logFile("iperf3_latest_reverse_csv.log")), "two\n");
-}
-
-TEST_F(HistoryAppend, LeavesAnEmptyHistoryForIperf2) {
-  fakeHost.runsCommands = true;
-
-  EXPECT_NE(read_latest_iperf_log_file(2, false), 0);
-
-  EXPECT_EQ(readFile(logFile("iperf2_history_forward_csv.log")), "");
 }
 
 class LineCount : public RunFixture {};
@@ -223,33 +201,6 @@ TEST_F(ArchiveMove, RefreshesTheStampThenRunsThenPrints) {
   EXPECT_EQ(stampInCommand, kLaterStamp);
   EXPECT_STREQ(currentTimeStamp, kLaterStamp);
   EXPECT_EQ(text, "moved\necho moved\n\n");
-}
-
-TEST_F(ArchiveMove, NamesTheSecondMoveOfARunAfterTheMomentOfTheFirst) {
-  useLogDirectory("/l/");
-
-  fakeHost.now = kStartTime + 7;
-  move(TEST_TYPE_PING, "/l/p.log", 0, false);
-  fakeHost.now = kStartTime + 50;
-  move(TEST_TYPE_RESULTS, "/l/r.log", 0, false);
-
-  EXPECT_THAT(fakeHost.commands,
-              ElementsAre("(mv  \"/l/p.log\" \"/l/archive/ping_history_20261116T054000.log\") "
-                          "2>nul\n",
-                          "mv  /l/r.log "
-                          "/l/archive/connection_test_results_history_20261116T054007.log\n"));
-  EXPECT_STREQ(currentTimeStamp, "20261116T054050");
-}
-
-TEST_F(ArchiveMove, LeavesNoHistoryBehindButAFileNamedNul) {
-  fakeHost.runsCommands = true;
-  writeFile(logFile("ping_history.log"), "one\ntwo");
-
-  move(TEST_TYPE_PING, logFile("ping_history.log"), 0, false);
-
-  EXPECT_FALSE(fileExists(logFile("ping_history.log")));
-  EXPECT_EQ(readFile(archiveFile("ping_history_20261116T054000.log")), "one\ntwo");
-  EXPECT_EQ(readFile("nul"), "");
 }
 
 TEST_F(ArchiveMove, LeavesTheHistoryInPlaceAndItsErrorInNulWhenItFails) {

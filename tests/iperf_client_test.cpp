@@ -18,6 +18,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::FieldsAre;
+using testing::IsEmpty;
 
 class IperfClient : public RunFixture {
  protected:
@@ -27,10 +28,15 @@ class IperfClient : public RunFixture {
   }
 };
 
-TEST_F(IperfClient, RunsTheCommandInHandOnceAndSilently) {
+TEST_F(IperfClient, RunsItsCommandSilentlyAndThenWaits) {
+  fakeHost.onCommand = [](const std::string&) { EXPECT_THAT(fakeHost.sleeps, IsEmpty()); };
+  fakeHost.shellStatus = 127 << 8;
+  fakeHost.sleepStatus = -1;
+
   EXPECT_EQ(console(runIperfClient), "");
 
   EXPECT_THAT(fakeHost.commands, ElementsAre("client\n"));
+  EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(11, 0)));
 }
 
 TEST_F(IperfClient, PrintsItsCommandFirstWhenTraced) {
@@ -41,28 +47,9 @@ TEST_F(IperfClient, PrintsItsCommandFirstWhenTraced) {
 }
 
 TEST_F(IperfClient, IsNotTracedByAnyOtherSwitch) {
-  ConfigurationParameters.debugPrintPing = true;
-  ConfigurationParameters.debugPrintIperf = true;
-  ConfigurationParameters.debugPrintLast = true;
-  ConfigurationParameters.debugPrintHistory = true;
+  flipPrintsBut(&Configuration::debugConfFile);
 
   EXPECT_EQ(console(runIperfClient), "");
-}
-
-TEST_F(IperfClient, WaitsOnceAfterItsCommand) {
-  fakeHost.onCommand = [](const std::string&) { EXPECT_TRUE(fakeHost.sleeps.empty()); };
-
-  runIperfClient();
-
-  EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(11, 0)));
-}
-
-TEST_F(IperfClient, DoesNotResumeAnInterruptedWait) {
-  fakeHost.sleepStatus = -1;
-
-  runIperfClient();
-
-  EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(11, 0)));
 }
 
 TEST_F(IperfClient, WaitsASecondMoreThanTheTestInWrapping32Bits) {

@@ -73,6 +73,17 @@ void RunFixture::configure(const std::string& text) {
   writeFile(kConfigPath, text);
 }
 
+void RunFixture::flipPrintsBut(bool Configuration::*own) {
+  for (bool Configuration::*print :
+       {&Configuration::debugPrintPing, &Configuration::debugConfFile,
+        &Configuration::debugPrintIperf, &Configuration::debugPrintLast,
+        &Configuration::debugPrintHistory}) {
+    if (print != own) {
+      ConfigurationParameters.*print = !(ConfigurationParameters.*print);
+    }
+  }
+}
+
 void RunFixture::useLongestLogDirectory() {
   std::string directory = std::filesystem::current_path().string() + "/";
   directory.resize(204, 'd');

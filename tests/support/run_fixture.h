@@ -28,6 +28,9 @@ class RunFixture : public testing::Test {
   /// Makes `text` the configuration file until the test ends.
   void configure(const std::string& text);
 
+  /// Turns the switch of every print around, but that of the print under test.
+  static void flipPrintsBut(bool Configuration::*own);
+
   /// Moves the log directory to a path of 205 characters, the longest that HOME leads to.
   static void useLongestLogDirectory();
 
