@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <string_view>
 
 namespace {
@@ -13,90 +12,60 @@ struct Guarded {
   char guard = '#';
 };
 
-TEST(FormatInto, WritesTheTextAndReturnsItsLength) {
-  Guarded text;
-
-  EXPECT_EQ(formatInto(text.buffer, "%s-%d", "a", 12), 4);
-
-  EXPECT_STREQ(text.buffer, "a-12");
-}
-
-TEST(FormatInto, KeepsATextThatFillsTheBuffer) {
-  Guarded text;
-
-  EXPECT_EQ(formatInto(text.buffer, "%s%d", "abc", 1234), 7);
-
-  EXPECT_STREQ(text.buffer, "abc1234");
-  EXPECT_EQ(text.guard, '#');
-}
-
-TEST(FormatInto, CutsWhatDoesNotFitAndReturnsTheUncutLength) {
-  Guarded text;
-
-  EXPECT_EQ(formatInto(text.buffer, "%s%d", "abc", 123456), 9);
-
-  EXPECT_STREQ(text.buffer, "abc1234");
-  EXPECT_EQ(text.guard, '#');
-}
-
-TEST(FormatLineInto, WritesTheLine) {
-  Guarded text;
-
-  formatLineInto(text.buffer, "%s,%d\n", "a", 12);
-
-  EXPECT_STREQ(text.buffer, "a,12\n");
-}
-
-TEST(FormatLineInto, KeepsALineThatFillsTheBuffer) {
-  Guarded text;
-
-  formatLineInto(text.buffer, "%s%d\n", "abc", 123);
-
-  EXPECT_STREQ(text.buffer, "abc123\n");
-  EXPECT_EQ(text.guard, '#');
-}
-
-TEST(FormatLineInto, EndsACutLineInItsNewline) {
-  for (const int number : {1234, 12345, 123456}) {
-    SCOPED_TRACE(number);
-    Guarded text;
-
-    formatLineInto(text.buffer, "%s%d\n", "abc", number);
-
-    EXPECT_STREQ(text.buffer, "abc123\n");
-    EXPECT_EQ(text.guard, '#');
-  }
-}
-
 /// All characters of the buffer and the one behind it.
 std::string_view whole(const Guarded& text) {
   return {text.buffer, sizeof(text.buffer) + sizeof(text.guard)};
 }
 
-TEST(CopyInto, FillsWhatIsLeftWithZeros) {
-  Guarded text;
+TEST(FormatInto, CutsWhatDoesNotFitAndReturnsTheUncutLength) {
+  const struct {
+    int number;
+    int length;
+    const char* text;
+  } cases[] = {{1, 4, "abc1"}, {1234, 7, "abc1234"}, {12345, 8, "abc1234"}, {123456, 9, "abc1234"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.number);
+    Guarded text;
 
-  copyInto(text.buffer, "abc");
-  EXPECT_EQ(whole(text), std::string_view("abc\0\0\0\0\0#", 9));
+    EXPECT_EQ(formatInto(text.buffer, "%s%d", "abc", c.number), c.length);
 
-  copyInto(text.buffer, "");
-  EXPECT_EQ(whole(text), std::string_view("\0\0\0\0\0\0\0\0#", 9));
+    EXPECT_STREQ(text.buffer, c.text);
+    EXPECT_EQ(text.guard, '#');
+  }
 }
 
-TEST(CopyInto, LeavesNoTerminatorInAFullField) {
-  Guarded text;
+TEST(FormatLineInto, EndsACutLineInItsNewline) {
+  const struct {
+    int number;
+    const char* text;
+  } cases[] = {{1, "abc1\n"}, {123, "abc123\n"}, {1234, "abc123\n"}, {123456, "abc123\n"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.number);
+    Guarded text;
 
-  copyInto(text.buffer, "abc12345");
+    formatLineInto(text.buffer, "%s%d\n", "abc", c.number);
 
-  EXPECT_EQ(whole(text), "abc12345#");
+    EXPECT_STREQ(text.buffer, c.text);
+    EXPECT_EQ(text.guard, '#');
+  }
 }
 
-TEST(CopyInto, CutsWhatDoesNotFit) {
-  Guarded text;
+TEST(CopyInto, FillsUpWithZerosAndCutsWhatDoesNotFit) {
+  const struct {
+    std::string_view text;
+    std::string_view copy;
+  } cases[] = {{"", {"\0\0\0\0\0\0\0\0#", 9}},
+               {"abc", {"abc\0\0\0\0\0#", 9}},
+               {"abc12345", "abc12345#"},
+               {"abc123456", "abc12345#"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    Guarded text;
 
-  copyInto(text.buffer, "abc123456");
+    copyInto(text.buffer, c.text);
 
-  EXPECT_EQ(whole(text), "abc12345#");
+    EXPECT_EQ(whole(text), c.copy);
+  }
 }
 
 }  // namespace
