@@ -1,316 +1,212 @@
 #include "iperf3/iperf3_run.h"
 
 #include "run_state.h"
+#include "support/iperf_texts.h"
 #include "support/results_text.h"
 #include "support/run_fixture.h"
 #include "text_buffer.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
+#include <climits>
 #include <filesystem>
-#include <limits>
 #include <stdexcept>
 #include <string>
 
 namespace {
 
 using testing::ElementsAre;
-using testing::FieldsAre;
 
-constexpr char kClient[] = "/usr/local/bin/Qelmora/iperf3 -c 10.0.0.5 -t 10 -J ";
+constexpr char kHeading[] = "\n\n= IPERF3 history  ====================================\n";
+constexpr char kEmptyLine[] = ",,0,,0,0,,0,0,0,0\n";
+constexpr char kEmptyFields[] =
+    "date \nclient ip \nserver ip \nclient tcp port 0\nserver tcp port 0\ntransfer ID 0\n"
+    "test time \nreverse \nlength sent 0 \nBps sent 0\nlength rcvd 0 \nBps rcvd 0\n";
+
+/// A direction, and what its run by the report of report() leaves.
+struct Direction {
+  const char* name;
+  bool reverse;
+  const char* option;
+  const char* trace;
+  const char* line;
+  const char* numbers;
+  const char* results;
+};
+constexpr Direction kForward = {"forward",
+                                false,
+                                "",
+                                "client to server",
+                                kForwardLine,
+                                "reverse 0\nlength sent 1180000000 \nBps sent 943718400\n"
+                                "length rcvd 0 \nBps rcvd 0\n",
+                                "date , latency (0), write 943718400, read (0)"};
+constexpr Direction kReverse = {"reverse",
+                                true,
+                                "-R",
+                                "server to client",
+                                kReverseLine,
+                                "reverse 1\nlength sent 0 \nBps sent 0\n"
+                                "length rcvd 1170000000 \nBps rcvd 935718400\n",
+                                "date , latency (0), write (0), read 935718400"};
 
 /// A report as iperf3 lays it out: a member a line, a tab behind each colon.
-std::string report(const std::string& reverse, const std::string& rate) {
-  return "{\n"
-         "\t\"local_host\":\t\"192.168.1.20\",\n"
+std::string report(bool reverse, const std::string& rateSent = "943718412.345",
+                   const std::string& rateRcvd = "935718412.345") {
+  return "\t\"local_host\":\t\"192.168.1.20\",\n"
          "\t\"local_port\":\t54012,\n"
          "\t\"remote_host\":\t\"192.168.1.10\",\n"
          "\t\"remote_port\":\t5201\n"
          "\t\"timesecs\":\t1605505183\n"
          "\t\"duration\":\t10,\n"
          "\t\"reverse\":\t" +
-         reverse +
+         std::to_string(reverse) +
          ",\n"
          "\t\"sum_sent\":\t{\n"
          "\t\t\"bytes\":\t1180000000,\n"
          "\t\t\"bits_per_second\":\t" +
-         rate +
+         rateSent +
          ",\n"
          "\t},\n"
          "\t\"sum_received\":\t{\n"
          "\t\t\"bytes\":\t1170000000,\n"
          "\t\t\"bits_per_second\":\t" +
-         rate +
+         rateRcvd +
          ",\n"
-         "\t}\n"
-         "}\n";
+         "\t}\n";
 }
 
-constexpr char kForwardLine[] =
-    "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,943718400,0,0\n";
-constexpr char kReverseLine[] =
-    "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,0,0,1170000000,943718400\n";
-
-constexpr char kForwardFields[] =
-    "date 1605505183\n"
-    "client ip 192.168.1.20\n"
-    "server ip 192.168.1.10\n"
-    "client tcp port 54012\n"
-    "server tcp port 5201\n"
-    "transfer ID 0\n"
-    "test time 10\n"
-    "reverse 0\n"
-    "length sent 1180000000 \n"
-    "Bps sent 943718400\n"
-    "length rcvd 0 \n"
-    "Bps rcvd 0\n";
-
-class Iperf3Run : public RunFixture {
+class Iperf3Run : public RunFixture, public testing::WithParamInterface<Direction> {
  protected:
   void SetUp() override {
     RunFixture::SetUp();
     formatInto(ipaddr, "10.0.0.5");
   }
 
-  /// Runs one direction and returns what that printed.
-  static std::string run(bool reverse) {
-    return console([reverse] { exec_iperf3(reverse); });
+  static std::string latestReport() {
+    return logFile(std::string("iperf3_latest") + GetParam().option + ".log");
+  }
+  static std::string latestPath() {
+    return logFile(std::string("iperf3_latest_") + GetParam().name + "_csv.log");
+  }
+  static std::string historyPath() {
+    return logFile(std::string("iperf3_history_") + GetParam().name + "_csv.log");
+  }
+
+  static std::string clientCommand(const std::string& options = "10.0.0.5 -t 10") {
+    return "/usr/local/bin/Qelmora/iperf3 -c " + options + " -J  " + GetParam().option + " > " +
+           latestReport() + "\n";
+  }
+  static std::string appendCommand() {
+    return "cat " + latestPath() + " >> " + historyPath() + "\n";
+  }
+
+  /// What an untraced run prints.
+  static std::string prints(const std::string& fields) {
+    return " read latest file is " + latestReport() + kHeading + fields;
+  }
+  static std::string fields() { return std::string(kIperf3Connection) + GetParam().numbers; }
+
+  /// Runs the direction and returns what that printed.
+  static std::string run() {
+    return console([] { exec_iperf3(GetParam().reverse); });
   }
 
   /// The same with a client that writes `text`, and the real `cat`.
-  static std::string run(bool reverse, const std::string& text) {
-    fakeHost.onCommand = [reverse, text](const std::string& command) {
+  static std::string run(const std::string& text) {
+    fakeHost.onCommand = [text](const std::string& command) {
       fakeHost.runsCommands = command.starts_with("cat ");
       if (!fakeHost.runsCommands) {
-        writeFile(logFile(reverse ? "iperf3_latest-R.log" : "iperf3_latest.log"), text);
+        writeFile(latestReport(), text);
       }
     };
-    return run(reverse);
-  }
-
-  static std::string forwardCommand() {
-    return kClient + ("  > " + logFile("iperf3_latest.log\n"));
-  }
-
-  static std::string reverseCommand() {
-    return kClient + (" -R > " + logFile("iperf3_latest-R.log\n"));
-  }
-
-  static std::string appendCommand(const std::string& direction) {
-    return "cat " + logFile("iperf3_latest_" + direction + "_csv.log") + " >> " +
-           logFile("iperf3_history_" + direction + "_csv.log\n");
-  }
-
-  static std::string latestCsv(const std::string& direction) {
-    return readFile(logFile("iperf3_latest_" + direction + "_csv.log"));
-  }
-
-  static std::string historyCsv(const std::string& direction) {
-    return readFile(logFile("iperf3_history_" + direction + "_csv.log"));
+    return run();
   }
 };
 
-TEST_F(Iperf3Run, RunsTheClientForwardWaitsAndAppends) {
-  fakeHost.onCommand = [](const std::string& command) {
-    EXPECT_EQ(fakeHost.sleeps.size(), command.starts_with("cat ") ? 1U : 0U);
-  };
+INSTANTIATE_TEST_SUITE_P(Of, Iperf3Run, testing::Values(kForward, kReverse),
+                         [](const auto& direction) { return direction.param.name; });
 
-  run(false);
-
-  EXPECT_THAT(fakeHost.commands, ElementsAre(forwardCommand(), appendCommand("forward")));
-  EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(11, 0)));
-  EXPECT_EQ(cmd, appendCommand("forward"));
-  EXPECT_EQ(filepath, logFile("iperf3_latest_forward_csv.log"));
-}
-
-TEST_F(Iperf3Run, RunsTheClientReverseWaitsAndAppends) {
-  fakeHost.onCommand = [](const std::string& command) {
-    EXPECT_EQ(fakeHost.sleeps.size(), command.starts_with("cat ") ? 1U : 0U);
-  };
-
-  run(true);
-
-  EXPECT_THAT(fakeHost.commands, ElementsAre(reverseCommand(), appendCommand("reverse")));
-  EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(11, 0)));
-  EXPECT_EQ(cmd, appendCommand("reverse"));
-  EXPECT_EQ(filepath, logFile("iperf3_latest_reverse_csv.log"));
-}
-
-TEST_F(Iperf3Run, TakesTheTestTimeAsItIs) {
+TEST_P(Iperf3Run, RunsTheClientAndAppendsAfterTheWait) {
   const struct {
-    std::int32_t testTime;
-    const char* command;
-    std::time_t seconds;
-    long nanoseconds;
-  } cases[] = {{0, "/usr/local/bin/Qelmora/iperf3 -c 10.0.0.5 -t 0 -J   > ", 1, 0},
-               {-1, "/usr/local/bin/Qelmora/iperf3 -c 10.0.0.5 -t -1 -J   > ", 0, 3'000'000},
-               {std::numeric_limits<std::int32_t>::max(),
-                "/usr/local/bin/Qelmora/iperf3 -c 10.0.0.5 -t 2147483647 -J   > ", 0, 3'000'000}};
+    const char* address;
+    int testTime;
+    const char* options;
+  } cases[] = {{"10.0.0.5", 10, "10.0.0.5 -t 10"},
+               {"10.0.0.5", 0, "10.0.0.5 -t 0"},
+               {"10.0.0.5", -1, "10.0.0.5 -t -1"},
+               {"10.0.0.5", INT_MAX, "10.0.0.5 -t 2147483647"},
+               {"", 10, " -t 10"}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.command);
+    SCOPED_TRACE(c.options);
     fakeHost.commands.clear();
     fakeHost.sleeps.clear();
+    fakeHost.onCommand = [](const std::string& command) {
+      EXPECT_EQ(fakeHost.sleeps.size(), command.starts_with("cat ") ? 1U : 0U);
+    };
+    formatInto(ipaddr, "%s", c.address);
     ConfigurationParameters.iperfTestTime = c.testTime;
 
-    run(false);
+    run();
 
-    EXPECT_EQ(fakeHost.commands.front(), c.command + logFile("iperf3_latest.log\n"));
-    EXPECT_THAT(fakeHost.sleeps, ElementsAre(FieldsAre(c.seconds, c.nanoseconds)));
+    EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand(c.options), appendCommand()));
+    EXPECT_EQ(cmd, appendCommand());
   }
 }
 
-TEST_F(Iperf3Run, LeavesTwoBlanksForAMissingAddress) {
-  formatInto(ipaddr, "%s", "");
-
-  run(false);
-
-  EXPECT_EQ(fakeHost.commands.front(),
-            "/usr/local/bin/Qelmora/iperf3 -c  -t 10 -J   > " + logFile("iperf3_latest.log\n"));
-}
-
-TEST_F(Iperf3Run, ReplacesTheWindowsNameOfTheClient) {
-  EXPECT_EQ(iperf3_prog, "iperf3.exe");
-
-  run(false);
+TEST_P(Iperf3Run, ReplacesTheWindowsNameOfTheClientAndStampsItsStart) {
+  run();
 
   EXPECT_EQ(iperf3_prog, "/usr/local/bin/Qelmora/iperf3");
+  EXPECT_STREQ(iperfStartTimeStamp, kStartStamp);
 }
 
-TEST_F(Iperf3Run, StampsItsStart) {
-  run(false);
-  EXPECT_STREQ(iperfStartTimeStamp, "20261116T054000");
+TEST_P(Iperf3Run, KeepsItsReportAsALine) {
+  EXPECT_EQ(run(report(GetParam().reverse)), prints(fields()));
 
-  run(true);
-  EXPECT_STREQ(iperfStartTimeStamp, "20261116T054011");
+  EXPECT_EQ(readFile(latestPath()), GetParam().line);
+  EXPECT_EQ(readFile(historyPath()), GetParam().line);
+  EXPECT_EQ(filepath, latestPath());
+  EXPECT_EQ(readFile(latestReport()), report(GetParam().reverse));
+  EXPECT_EQ(resultsText(), GetParam().results);
 }
 
-TEST_F(Iperf3Run, KeepsTheForwardReportAsALine) {
-  EXPECT_EQ(run(false, report("0", "943718412.345")),
-            " read latest file is " + logFile("iperf3_latest.log") +
-                "\n\n= IPERF3 history  ====================================\n" + kForwardFields);
-
-  EXPECT_EQ(latestCsv("forward"), kForwardLine);
-  EXPECT_EQ(historyCsv("forward"), kForwardLine);
-  EXPECT_EQ(readFile(logFile("iperf3_latest.log")), report("0", "943718412.345"));
-  EXPECT_EQ(resultsText(), "date , latency (0), write 943718400, read (0)");
-}
-
-TEST_F(Iperf3Run, KeepsTheReverseReportAsALine) {
-  EXPECT_EQ(run(true, report("1", "943718412.345")),
-            " read latest file is " + logFile("iperf3_latest-R.log") +
-                "\n\n= IPERF3 history  ====================================\n"
-                "date 1605505183\n"
-                "client ip 192.168.1.20\n"
-                "server ip 192.168.1.10\n"
-                "client tcp port 54012\n"
-                "server tcp port 5201\n"
-                "transfer ID 0\n"
-                "test time 10\n"
-                "reverse 1\n"
-                "length sent 0 \n"
-                "Bps sent 0\n"
-                "length rcvd 1170000000 \n"
-                "Bps rcvd 943718400\n");
-
-  EXPECT_EQ(latestCsv("reverse"), kReverseLine);
-  EXPECT_EQ(historyCsv("reverse"), kReverseLine);
-  EXPECT_EQ(readFile(logFile("iperf3_latest-R.log")), report("1", "943718412.345"));
-  EXPECT_EQ(resultsText(), "date , latency (0), write (0), read 943718400");
-}
-
-TEST_F(Iperf3Run, UsesPathsOfWhichFilepathHoldsTheStart) {
+TEST_P(Iperf3Run, UsesPathsOfWhichFilepathHoldsTheStart) {
   useLongestLogDirectory();
 
-  EXPECT_EQ(run(false, report("0", "943718412.345")),
-            " read latest file is " + logFile("iperf3_latest.log") +
-                "\n\n= IPERF3 history  ====================================\n" + kForwardFields);
+  EXPECT_EQ(run(report(GetParam().reverse)), prints(fields()));
 
-  EXPECT_EQ(latestCsv("forward"), kForwardLine);
-  EXPECT_EQ(historyCsv("forward"), kForwardLine);
-  EXPECT_EQ(filepath, logFile("iperf3_latest_forward_csv.log").substr(0, 127));
+  EXPECT_EQ(readFile(latestPath()), GetParam().line);
+  EXPECT_EQ(readFile(historyPath()), GetParam().line);
+  EXPECT_EQ(filepath, latestPath().substr(0, 127));
 }
 
-TEST_F(Iperf3Run, TouchesTheFilesOfItsDirectionOnly) {
-  run(true, report("1", "1"));
+TEST_P(Iperf3Run, TakesTheRateByTheReportsOwnDirection) {
+  const Direction& other = GetParam().reverse ? kForward : kReverse;
 
-  EXPECT_FALSE(fileExists(logFile("iperf3_latest.log")));
-  EXPECT_FALSE(fileExists(logFile("iperf3_latest_forward_csv.log")));
-  EXPECT_FALSE(fileExists(logFile("iperf3_history_forward_csv.log")));
+  run(report(other.reverse));
+
+  EXPECT_EQ(readFile(latestPath()), other.line);
+  EXPECT_EQ(resultsText(), other.results);
 }
 
-TEST_F(Iperf3Run, TakesTheRateByTheReportsOwnDirection) {
-  run(true, report("0", "943718412.345"));
-
-  EXPECT_EQ(latestCsv("reverse"), kForwardLine);
-  EXPECT_EQ(resultsText(), "date , latency (0), write 943718400, read (0)");
-}
-
-TEST_F(Iperf3Run, PrintsItsStepsWhenTraced) {
+TEST_P(Iperf3Run, PrintsItsStepsWhenTraced) {
   ConfigurationParameters.debugConfFile = true;
 
-  EXPECT_EQ(run(false, report("0", "943718412.345")),
-            "iperf3 start time 20261116T054000 direction client to server\n"
-            "command=" +
-                forwardCommand() + "\n read latest file is " + logFile("iperf3_latest.log") +
-                "\n\n= IPERF3 history  ====================================\n" + kForwardFields +
-                "\n= IPERF3 summary  ====================================\n" + kForwardFields);
+  EXPECT_EQ(run(report(GetParam().reverse)),
+            std::string("iperf3 start time 20261116T054000 direction ") + GetParam().trace +
+                "\ncommand=" + clientCommand() + "\n" + prints(fields()) +
+                "\n= IPERF3 summary  ====================================\n" + fields());
 }
 
-TEST_F(Iperf3Run, PrintsTheReverseDirectionWhenTraced) {
-  ConfigurationParameters.debugConfFile = true;
-  const std::string fields =
-      "date \n"
-      "client ip \n"
-      "server ip \n"
-      "client tcp port 0\n"
-      "server tcp port 0\n"
-      "transfer ID 0\n"
-      "test time \n"
-      "reverse \n"
-      "length sent 0 \n"
-      "Bps sent 0\n"
-      "length rcvd 0 \n"
-      "Bps rcvd 0\n";
+TEST_P(Iperf3Run, PrintsItsHistoryCommandWithTheHistoryAndNothingElseUntraced) {
+  flipPrintsBut(&Configuration::debugConfFile);
 
-  EXPECT_EQ(run(true, ""),
-            "iperf3 start time 20261116T054000 direction server to client\n"
-            "command=" +
-                reverseCommand() + "\n read latest file is " + logFile("iperf3_latest-R.log") +
-                "\n\n= IPERF3 history  ====================================\n" + fields +
-                "\n= IPERF3 summary  ====================================\n" + fields);
+  EXPECT_EQ(run(report(GetParam().reverse)),
+            prints(fields()) + "history file command: " + appendCommand() + "\n");
 }
 
-TEST_F(Iperf3Run, PrintsItsHistoryCommandWithTheHistory) {
-  ConfigurationParameters.debugPrintHistory = true;
-
-  EXPECT_EQ(run(false, report("0", "943718412.345")),
-            " read latest file is " + logFile("iperf3_latest.log") +
-                "\n\n= IPERF3 history  ====================================\n" + kForwardFields +
-                "history file command: " + appendCommand("forward") + "\n");
-}
-
-TEST_F(Iperf3Run, IsNotTracedByAnyOtherSwitch) {
-  const std::string untraced = run(false, report("0", "1"));
-  ConfigurationParameters.debugPrintPing = true;
-  ConfigurationParameters.debugPrintIperf = !ConfigurationParameters.debugPrintIperf;
-  ConfigurationParameters.debugPrintLast = true;
-
-  EXPECT_EQ(run(false, report("0", "1")), untraced);
-}
-
-TEST_F(Iperf3Run, ReplacesTheLatestLineAndExtendsTheHistory) {
-  const std::string second =
-      "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,7,0,0\n";
-
-  run(false, report("0", "943718412.345"));
-  run(false, report("0", "7"));
-
-  EXPECT_EQ(latestCsv("forward"), second);
-  EXPECT_EQ(historyCsv("forward"), kForwardLine + second);
-}
-
-TEST_F(Iperf3Run, WritesRatesWithoutDecimals) {
+TEST_P(Iperf3Run, WritesRatesWithoutDecimals) {
   const struct {
     const char* rate;
     const char* text;
@@ -326,101 +222,53 @@ TEST_F(Iperf3Run, WritesRatesWithoutDecimals) {
     SCOPED_TRACE(c.rate);
     const std::string start = "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,";
 
-    run(false, report("0", c.rate));
-    run(true, report("1", c.rate));
+    run(report(GetParam().reverse, c.rate, c.rate));
 
-    EXPECT_EQ(latestCsv("forward"), start + "1180000000," + c.text + ",0,0\n");
-    EXPECT_EQ(latestCsv("reverse"), start + "0,0,1170000000," + c.text + "\n");
+    EXPECT_EQ(readFile(latestPath()),
+              start + (GetParam().reverse ? std::string("0,0,1170000000,") + c.text + "\n"
+                                          : std::string("1180000000,") + c.text + ",0,0\n"));
   }
 }
 
-constexpr char kEmptyLine[] = ",,0,,0,0,,0,0,0,0\n";
-
-TEST_F(Iperf3Run, WritesAnEmptyLineForAReportWithoutMeasurement) {
-  const std::string reports[] = {"", readFile(testData("iperf3/3.21/refused.json")),
-                                 "sh: 1: iperf3: not found\n"};
-  for (const std::string& text : reports) {
-    SCOPED_TRACE(text);
-    std::filesystem::remove(logFile("iperf3_history_forward_csv.log"));
-
-    run(false, text);
-
-    EXPECT_EQ(latestCsv("forward"), kEmptyLine);
-    EXPECT_EQ(historyCsv("forward"), kEmptyLine);
-    EXPECT_EQ(resultsText(), kNoResults);
-  }
-}
-
-TEST_F(Iperf3Run, WritesAnEmptyLineForAMissingReport) {
-  run(false);
-  run(true);
-
-  EXPECT_EQ(latestCsv("forward"), kEmptyLine);
-  EXPECT_EQ(latestCsv("reverse"), kEmptyLine);
-  EXPECT_EQ(resultsText(), kNoResults);
-}
-
-TEST_F(Iperf3Run, ForgetsTheRunBefore) {
-  run(false, report("0", "943718412.345"));
-  outputResults = {};
-
-  run(false, "");
-
-  EXPECT_EQ(latestCsv("forward"), kEmptyLine);
-  EXPECT_EQ(historyCsv("forward"), std::string(kForwardLine) + kEmptyLine);
-  EXPECT_EQ(resultsText(), kNoResults);
-}
-
-TEST_F(Iperf3Run, LeavesTheEarlierResultsWithoutAMeasurement) {
+TEST_P(Iperf3Run, WritesAnEmptyLineAndKeepsTheEarlierResultsWithoutAMeasurement) {
+  run(report(GetParam().reverse));
   outputResults = {"20201231T235959", true, 77, true, 78, true, 79};
 
-  run(false, "");
+  EXPECT_EQ(run(""), prints(kEmptyFields));
 
+  EXPECT_EQ(readFile(latestPath()), kEmptyLine);
+  EXPECT_EQ(readFile(historyPath()), std::string(GetParam().line) + kEmptyLine);
   EXPECT_EQ(resultsText(), "date 20201231T235959, latency 77, write 78, read 79");
 }
 
-TEST_F(Iperf3Run, WritesTextsOf32CharactersWhole) {
+TEST_P(Iperf3Run, WritesTextsOf32CharactersWhole) {
   const std::string address(40, 'a');
 
-  run(false, "\"local_host\":\t\"" + address + "\"\n\"timesecs\":\t" + std::string(40, '7') + "\n");
+  run("\"local_host\":\t\"" + address + "\"\n\"timesecs\":\t" + std::string(40, '7') + "\n");
 
-  EXPECT_EQ(latestCsv("forward"),
+  EXPECT_EQ(readFile(latestPath()),
             std::string(32, '7') + "," + std::string(32, 'a') + ",0,,0,0,,0,0,0,0\n");
 }
 
-TEST_F(Iperf3Run, AppendsAlsoWhenItsLineCannotBeWritten) {
-  std::filesystem::create_directory(logFile("iperf3_latest_forward_csv.log"));
+TEST_P(Iperf3Run, AppendsAlsoWhenItsLineCannotBeWritten) {
+  std::filesystem::create_directory(latestPath());
 
-  const std::string printed = run(false, report("0", "943718412.345"));
+  EXPECT_EQ(run(report(GetParam().reverse)), prints(fields()));
 
-  EXPECT_EQ(printed, " read latest file is " + logFile("iperf3_latest.log") +
-                         "\n\n= IPERF3 history  ====================================\n" +
-                         kForwardFields);
-  EXPECT_THAT(fakeHost.commands, ElementsAre(forwardCommand(), appendCommand("forward")));
-  EXPECT_EQ(historyCsv("forward"), "");
-  EXPECT_EQ(resultsText(), "date , latency (0), write 943718400, read (0)");
+  EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand(), appendCommand()));
+  EXPECT_EQ(resultsText(), GetParam().results);
 }
 
-TEST_F(Iperf3Run, GoesOnWhateverTheShellReturns) {
-  fakeHost.shellStatus = 127 * 256;
-  fakeHost.sleepStatus = -1;
-
-  run(true);
-
-  EXPECT_THAT(fakeHost.commands, ElementsAre(reverseCommand(), appendCommand("reverse")));
-  EXPECT_EQ(fakeHost.sleeps.size(), 1U);
-}
-
-TEST_F(Iperf3Run, EndsWithoutALineOnAPortThatIsNotANumber) {
+TEST_P(Iperf3Run, EndsWithoutALineOnAPortThatIsNotANumber) {
   fakeHost.onCommand = [](const std::string&) {
-    writeFile(logFile("iperf3_latest.log"), "\"local_port\":\tx\n");
+    writeFile(latestReport(), "\"local_port\":\tx\n");
   };
 
-  EXPECT_EQ(console([] { EXPECT_THROW(exec_iperf3(false), std::invalid_argument); }),
-            " read latest file is " + logFile("iperf3_latest.log\n"));
+  EXPECT_EQ(console([] { EXPECT_THROW(exec_iperf3(GetParam().reverse), std::invalid_argument); }),
+            " read latest file is " + latestReport() + "\n");
 
-  EXPECT_THAT(fakeHost.commands, ElementsAre(forwardCommand()));
-  EXPECT_FALSE(fileExists(logFile("iperf3_latest_forward_csv.log")));
+  EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand()));
+  EXPECT_FALSE(fileExists(latestPath()));
 }
 
 }  // namespace
