@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <climits>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
 #include <stdexcept>
 #include <string>
@@ -68,15 +69,53 @@ class ConfigLine : public RunFixture {
     return changes();
   }
 
-  /// Returns the message of the `Error` that `line` throws.
+  /// Expects that each of `keys` with each of `values` makes the change "<key><outcome>", or none
+  /// where there is no outcome.
+  static void expectChanges(std::initializer_list<std::string> keys,
+                            std::initializer_list<std::string> values, const std::string& outcome) {
+    for (const std::string& key : keys) {
+      for (const std::string& value : values) {
+        SCOPED_TRACE(testing::Message() << key << "=" << value);
+
+        EXPECT_EQ(changesBy(key + "=" + value), outcome.empty() ? "" : key + outcome);
+      }
+    }
+  }
+
+  /// Expects that each number with each of `values` throws, and changes nothing.
   template <typename Error>
-  static std::string complaintAbout(const std::string& line, unsigned lineNumber) {
+  static void expectErrors(std::initializer_list<std::string> values) {
+    for (const std::string key : {"numPings", "iperfTestTime", "outputFormat"}) {
+      for (const std::string& value : values) {
+        SCOPED_TRACE(testing::Message() << key << "=" << value);
+
+        EXPECT_THROW(applyConfigLine(key + "=" + value, 1), Error);
+        EXPECT_EQ(changes(), "");
+      }
+    }
+  }
+
+  /// Returns the message of the `Error` that `line`, the twelfth, throws.
+  template <typename Error = std::invalid_argument>
+  static std::string complaintAbout(const std::string& line) {
     try {
-      applyConfigLine(line, lineNumber);
+      applyConfigLine(line, 12);
     } catch (const Error& error) {
       return error.what();
     }
     return "no complaint";
+  }
+
+  /// What an error says of the setting of `key` to `value`.
+  static std::string complaint(const std::string& key, const std::string& value,
+                               const std::string& problem, const std::string& example) {
+    return "/usr/local/bin/Qelmora/connTester.conf, line 12: " + key + " is " + value + ", which " +
+           problem + "; write a whole number, for example " + key + "=" + example;
+  }
+
+  static std::string noNumber(const std::string& key, const std::string& value,
+                              const std::string& example = "10") {
+    return complaint(key, value, "does not start with a number", example);
   }
 };
 
@@ -110,6 +149,9 @@ TEST_F(ConfigLine, HoldsItsKeyAnywhereAndItsValueBehindTheFirstEqualsSign) {
                {"=3numPings", "numPings=3 "},
                {"numPings=3=4", "numPings=3 "},
                {"numPings=3, iperfTestTime=4", "numPings=3 "},
+               {"numPings = 5", "numPings=5 "},  // a switch takes no blank
+               {"doPingTests = false", ""},
+               {"debugPrintPing = true", ""},
                {"doPingTests=false debugPrintPing=true", ""},
                {"debugPrintPing=true doPingTests=false", "debugPrintPing=1 "},
                {"doPingTests=false=true", "doPingTests=0 "}};
@@ -132,60 +174,30 @@ TEST_F(ConfigLine, IsIgnoredWithoutAKeyOrAnEqualsSign) {
 }
 
 TEST_F(ConfigLine, SwitchesOnByAValueThatBeginsWithTrue) {
-  for (const char* const key : {"debugConfFile", "pingTestServer", "debugPrintPing",
-                                "debugPrintLast", "debugPrintHistory"}) {
-    for (const char* const value : {"true", "truely", "true\r", "true false", "true=false"}) {
-      SCOPED_TRACE(std::string(key) + "=" + value);
+  const auto keys = {std::string("debugConfFile"), std::string("pingTestServer"),
+                     std::string("debugPrintPing"), std::string("debugPrintLast"),
+                     std::string("debugPrintHistory")};
 
-      EXPECT_EQ(changesBy(std::string(key) + "=" + value), std::string(key) + "=1 ");
-    }
-  }
-}
-
-TEST_F(ConfigLine, SwitchesNothingOnByAnyOtherValue) {
-  for (const char* const key : {"debugConfFile", "pingTestServer", "debugPrintPing",
-                                "debugPrintLast", "debugPrintHistory"}) {
-    for (const char* const value :
-         {"", "tru", "TRUE", "True", "truE", " true", "\ttrue", "yes", "1", "false", "xtrue"}) {
-      SCOPED_TRACE(std::string(key) + "=" + value);
-
-      EXPECT_EQ(changesBy(std::string(key) + "=" + value), "");
-    }
-  }
+  expectChanges(keys, {"true", "truely", "true\r", "true false", "true=false"}, "=1 ");
+  expectChanges(
+      keys, {"", "tru", "TRUE", "True", "truE", " true", "\ttrue", "yes", "1", "false", "xtrue"},
+      "");
 }
 
 TEST_F(ConfigLine, SwitchesATestOffByAValueThatBeginsWithFalse) {
-  for (const char* const key : {"doPingTests", "doIperf3Tests"}) {
-    for (const char* const value : {"false", "falsely", "false\r", "false true", "false=true"}) {
-      SCOPED_TRACE(std::string(key) + "=" + value);
+  const auto keys = {std::string("doPingTests"), std::string("doIperf3Tests")};
 
-      EXPECT_EQ(changesBy(std::string(key) + "=" + value), std::string(key) + "=0 ");
-    }
-  }
+  expectChanges(keys, {"false", "falsely", "false\r", "false true", "false=true"}, "=0 ");
+  expectChanges(
+      keys,
+      {"", "fals", "FALSE", "False", "falsE", " false", "\tfalse", "no", "0", "true", "xfalse"},
+      "");
 }
 
-TEST_F(ConfigLine, SwitchesNoTestOffByAnyOtherValue) {
-  for (const char* const key : {"doPingTests", "doIperf3Tests"}) {
-    for (const char* const value : {"", "fals", "FALSE", "False", "falsE", " false", "\tfalse",
-                                    "no", "0", "true", "xfalse"}) {
-      SCOPED_TRACE(std::string(key) + "=" + value);
+TEST_F(ConfigLine, SwitchesIperf2OffOnly) {
+  expectChanges({"doIperf2Tests"}, {"true", "truely", "false", "1", "on", ""}, "");
 
-      EXPECT_EQ(changesBy(std::string(key) + "=" + value), "");
-    }
-  }
-}
-
-TEST_F(ConfigLine, NeverSwitchesIperf2On) {
-  for (const char* const value : {"true", "truely", "false", "1", "on", ""}) {
-    SCOPED_TRACE(value);
-
-    EXPECT_EQ(changesBy(std::string("doIperf2Tests=") + value), "");
-  }
-}
-
-TEST_F(ConfigLine, SwitchesIperf2OffWhenItIsOn) {
   ConfigurationParameters.doIperf2Tests = true;
-
   applyConfigLine("doIperf2Tests=fals", 1);
   EXPECT_TRUE(ConfigurationParameters.doIperf2Tests);
 
@@ -193,8 +205,8 @@ TEST_F(ConfigLine, SwitchesIperf2OffWhenItIsOn) {
   EXPECT_FALSE(ConfigurationParameters.doIperf2Tests);
 }
 
-TEST_F(ConfigLine, NeverSwitchesTheIperfPrintingOff) {
-  EXPECT_EQ(changesBy("debugPrintIperf=false"), "");
+TEST_F(ConfigLine, SwitchesTheIperfPrintingOnOnly) {
+  expectChanges({"debugPrintIperf"}, {"false", "true", ""}, "");
 
   ConfigurationParameters.debugPrintIperf = false;
   applyConfigLine("debugPrintIperf=tru", 1);
@@ -205,227 +217,111 @@ TEST_F(ConfigLine, NeverSwitchesTheIperfPrintingOff) {
 }
 
 TEST_F(ConfigLine, TakesTheNumberThatItsValueStartsWith) {
-  const struct {
-    const char* value;
-    int number;
-  } cases[] = {{"5", 5},
-               {" 5", 5},
-               {"\t \v\f\r5", 5},
-               {"+5", 5},
-               {"-5", -5},
-               {" -5 ", -5},
-               {"05", 5},
-               {"5x", 5},
-               {"5 6", 5},
-               {"5.9", 5},
-               {"5\r", 5},
-               {"1e3", 1},
-               {"0x10", 0},
-               {"0", 0},
-               {"2147483647", INT_MAX},
-               {"-2147483648", INT_MIN}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.value);
+  errno = ERANGE;  // whatever error the process had before
 
-    applyConfigLine(std::string("numPings=") + c.value, 1);
-    applyConfigLine(std::string("iperfTestTime=") + c.value, 2);
-
-    EXPECT_EQ(ConfigurationParameters.numPings, c.number);
-    EXPECT_EQ(ConfigurationParameters.iperfTestTime, c.number);
-  }
+  expectChanges({"numPings", "iperfTestTime"},
+                {"5", " 5", "\t \v\f\r5", "+5", "05", "5x", "5 6", "5.9", "5\r"}, "=5 ");
+  expectChanges({"numPings", "iperfTestTime"}, {"-5", " -5 "}, "=-5 ");
+  expectChanges({"numPings", "iperfTestTime"}, {"1e3"}, "=1 ");
+  expectChanges({"numPings", "iperfTestTime"}, {"0", "0x10"}, "=0 ");
+  expectChanges({"numPings", "iperfTestTime"}, {"2147483647"}, "=2147483647 ");
+  expectChanges({"numPings", "iperfTestTime"}, {"-2147483648"}, "=-2147483648 ");
 }
 
-TEST_F(ConfigLine, TakesANumberWhateverErrorTheProcessHadBefore) {
-  errno = ERANGE;
-
-  EXPECT_EQ(changesBy("numPings=5"), "numPings=5 ");
-}
-
-TEST_F(ConfigLine, TakesANumberBehindABlankButNoSwitchBehindOne) {
-  EXPECT_EQ(changesBy("numPings = 5"), "numPings=5 ");
-  EXPECT_EQ(changesBy("doPingTests = false"), "");
-  EXPECT_EQ(changesBy("debugPrintPing = true"), "");
-}
-
-TEST_F(ConfigLine, ThrowsForAValueThatDoesNotStartWithANumber) {
-  for (const char* const key : {"numPings", "iperfTestTime", "outputFormat"}) {
-    for (const char* const value : {"", " ", "ten", "x5", "=5", "- 5", "+", "--5", ".5", "\r"}) {
-      const std::string line = std::string(key) + "=" + value;
-      SCOPED_TRACE(line);
-
-      EXPECT_THROW(applyConfigLine(line, 1), std::invalid_argument);
-      EXPECT_EQ(changes(), "");
-    }
-  }
-}
-
-TEST_F(ConfigLine, ThrowsForANumberOutside32Bits) {
-  for (const char* const key : {"numPings", "iperfTestTime", "outputFormat"}) {
-    for (const char* const value : {"2147483648", "-2147483649", "4294967297",
-                                    "99999999999999999999", "-99999999999999999999"}) {
-      const std::string line = std::string(key) + "=" + value;
-      SCOPED_TRACE(line);
-
-      EXPECT_THROW(applyConfigLine(line, 1), std::out_of_range);
-      EXPECT_EQ(changes(), "");
-    }
-  }
+TEST_F(ConfigLine, ThrowsForAValueThatIsNoNumberOf32Bits) {
+  expectErrors<std::invalid_argument>({"", " ", "ten", "x5", "=5", "- 5", "+", "--5", ".5", "\r"});
+  expectErrors<std::out_of_range>(
+      {"2147483648", "-2147483649", "4294967297", "99999999999999999999", "-99999999999999999999"});
 }
 
 TEST_F(ConfigLine, SaysWhereWhatAndHowWhenItThrows) {
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("numPings=ten", 3),
-            "/usr/local/bin/Qelmora/connTester.conf, line 3: numPings is \"ten\", which does not "
-            "start with a number; write a whole number, for example numPings=10");
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("my outputFormat=", 12),
-            "/usr/local/bin/Qelmora/connTester.conf, line 12: outputFormat is \"\", which does not "
-            "start with a number; write a whole number, for example outputFormat=1");
-  EXPECT_EQ(
-      complaintAbout<std::out_of_range>("iperfTestTime=3000000000", 1),
-      "/usr/local/bin/Qelmora/connTester.conf, line 1: iperfTestTime is \"3000000000\", which "
-      "is out of range; write a whole number, for example iperfTestTime=10");
-}
-
-TEST_F(ConfigLine, NamesTheDefaultWhateverTheSettingIsWhenItThrows) {
   ConfigurationParameters.numPings = 77;
 
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("numPings=x", 1),
-            "/usr/local/bin/Qelmora/connTester.conf, line 1: numPings is \"x\", which does not "
-            "start with a number; write a whole number, for example numPings=10");
-  EXPECT_EQ(ConfigurationParameters.numPings, 77);
+  EXPECT_EQ(complaintAbout("numPings=ten"), noNumber("numPings", "\"ten\""));
+  EXPECT_EQ(complaintAbout("my outputFormat="), noNumber("outputFormat", "\"\"", "1"));
+  EXPECT_EQ(complaintAbout<std::out_of_range>("iperfTestTime=3000000000"),
+            complaint("iperfTestTime", "\"3000000000\"", "is out of range", "10"));
+  // The key in the value stands earlier in the table.
+  EXPECT_EQ(complaintAbout("pingTestServer=numPings"), noNumber("numPings", "\"numPings\""));
+  EXPECT_EQ(changes(), "numPings=77 ");
 }
 
 TEST_F(ConfigLine, RepeatsNoMoreThanFortyPrintableCharactersWhenItThrows) {
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("numPings= ~\t\x1b[31m\x7f\xc3\xa9\r", 1),
-            "/usr/local/bin/Qelmora/connTester.conf, line 1: numPings is \" ~??[31m????\", which "
-            "does not start with a number; write a whole number, for example numPings=10");
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("numPings=" + std::string(40, 'x'), 1),
-            "/usr/local/bin/Qelmora/connTester.conf, line 1: numPings is "
-            "\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\", which "
-            "does not start with a number; write a whole number, for example numPings=10");
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("numPings=" + std::string(41, 'x'), 1),
-            "/usr/local/bin/Qelmora/connTester.conf, line 1: numPings is "
-            "\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\"..., which "
-            "does not start with a number; write a whole number, for example numPings=10");
-}
+  const std::string forty(40, 'x');
 
-TEST_F(ConfigLine, FailsForTheKeyInItsValueThatStandsEarlierInTheTable) {
-  EXPECT_EQ(complaintAbout<std::invalid_argument>("pingTestServer=numPings", 1),
-            "/usr/local/bin/Qelmora/connTester.conf, line 1: numPings is \"numPings\", which does "
-            "not start with a number; write a whole number, for example numPings=10");
-  EXPECT_EQ(changes(), "");
-}
-
-TEST_F(ConfigLine, ChoosesOneOfThreeOutputFormats) {
-  const struct {
-    const char* line;
-    int format;
-  } cases[] = {{"outputFormat=1", 1},  {"outputFormat=2", 2},  {"outputFormat=3", 3},
-               {"outputFormat=3x", 3}, {"outputFormat= 2", 2}, {"outputFormat=2\r", 2}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.line);
-
-    EXPECT_EQ(console([&] { applyConfigLine(c.line, 1); }), "");
-
-    EXPECT_EQ(ConfigurationParameters.outputFormat, c.format);
-  }
+  EXPECT_EQ(complaintAbout("numPings= ~\t\x1b[31m\x7f\xc3\xa9\r"),
+            noNumber("numPings", "\" ~??[31m????\""));
+  EXPECT_EQ(complaintAbout("numPings=" + forty), noNumber("numPings", "\"" + forty + "\""));
+  EXPECT_EQ(complaintAbout("numPings=" + forty + "x"),
+            noNumber("numPings", "\"" + forty + "\"..."));
 }
 
 TEST_F(ConfigLine, SetsAnOutputFormatOutOfRangeToOne) {
-  for (const char* const value : {"0", "4", "-1", "-2147483648", "2147483647", "10", "4x"}) {
-    SCOPED_TRACE(value);
+  const struct {
+    const char* value;
+    int format;
+  } cases[] = {{"1", 1},   {"2", 2},  {"3", 3},  {"3x", 3},           {" 2", 2},
+               {"2\r", 2}, {"0", -1}, {"4", -1}, {"-2147483648", -1}, {"2147483647", -1},
+               {"10", -1}, {"4x", -1}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.value);
+    const bool inRange = c.format > 0;
     ConfigurationParameters.outputFormat = 2;
 
     const std::string text =
-        console([&] { applyConfigLine(std::string("outputFormat=") + value, 1); });
+        console([&] { applyConfigLine(std::string("outputFormat=") + c.value, 1); });
 
-    EXPECT_EQ(text, "outputFormat out of range (1-3). Set to 1.\n");
-    EXPECT_EQ(ConfigurationParameters.outputFormat, 1);
+    EXPECT_EQ(text, inRange ? "" : "outputFormat out of range (1-3). Set to 1.\n");
+    EXPECT_EQ(ConfigurationParameters.outputFormat, inRange ? c.format : 1);
   }
 }
 
-class ConfigFile : public RunFixture {};
+class ConfigFile : public RunFixture {
+ protected:
+  /// The settings that the file changes, silently.
+  static std::string changesByFile() {
+    EXPECT_EQ(console(readConfigFile), "");
+    return changes();
+  }
+};
 
-TEST_F(ConfigFile, LeavesAllDefaultsWhenItIsMissing) {
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
+TEST_F(ConfigFile, LeavesAllDefaultsWhenItCannotBeReadOrIsEmpty) {
+  EXPECT_EQ(changesByFile(), "");
 
-  EXPECT_EQ(changes(), "");
-}
-
-TEST_F(ConfigFile, LeavesAllDefaultsWhenItCannotBeRead) {
   configure("");
+  EXPECT_EQ(changesByFile(), "");
+
   std::filesystem::remove(kConfigPath);
   std::filesystem::create_directory(kConfigPath);
-
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
-
-  EXPECT_EQ(changes(), "");
+  EXPECT_EQ(changesByFile(), "");
 }
-
-TEST_F(ConfigFile, LeavesAllDefaultsWhenItIsEmpty) {
-  configure("");
-
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
-
-  EXPECT_EQ(changes(), "");
-}
-
-constexpr char kAllKeys[] =
-    "debugConfFile=true\nnumPings=2\niperfTestTime=3\npingTestServer=true\ndebugPrintPing=true\n"
-    "debugPrintIperf=true\ndebugPrintLast=true\ndebugPrintHistory=true\ndoPingTests=false\n"
-    "doIperf2Tests=false\ndoIperf3Tests=false\noutputFormat=3\n";
-constexpr char kAllChanges[] =
-    "numPings=2 iperfTestTime=3 debugPrintPing=1 debugConfFile=1 pingTestServer=1 "
-    "debugPrintLast=1 debugPrintHistory=1 doPingTests=0 doIperf3Tests=0 outputFormat=3 ";
 
 TEST_F(ConfigFile, SetsAllKeys) {
-  configure(kAllKeys);
+  const std::string keys =
+      "debugConfFile=true\nnumPings=2\niperfTestTime=3\npingTestServer=true\n"
+      "debugPrintPing=true\ndebugPrintIperf=true\ndebugPrintLast=true\n"
+      "debugPrintHistory=true\ndoPingTests=false\ndoIperf2Tests=false\ndoIperf3Tests=false\n"
+      "outputFormat=3";
+  configure(keys);
 
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
+  for (const std::string& text : {keys, withCarriageReturns(keys + "\n")}) {
+    SCOPED_TRACE(text);
+    ConfigurationParameters = {};
+    writeFile(kConfigPath, text);
 
-  EXPECT_EQ(changes(), kAllChanges);
+    EXPECT_EQ(changesByFile(),
+              "numPings=2 iperfTestTime=3 debugPrintPing=1 debugConfFile=1 pingTestServer=1 "
+              "debugPrintLast=1 debugPrintHistory=1 doPingTests=0 doIperf3Tests=0 outputFormat=3 ");
+  }
 }
 
-TEST_F(ConfigFile, SetsAllKeysWithCarriageReturns) {
-  configure(withCarriageReturns(kAllKeys));
-
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
-
-  EXPECT_EQ(changes(), kAllChanges);
-}
-
-TEST_F(ConfigFile, CountsALastLineWithoutANewline) {
-  configure("numPings=2\niperfTestTime=3");
-
-  readConfigFile();
-
-  EXPECT_EQ(changes(), "numPings=2 iperfTestTime=3 ");
-}
-
-TEST_F(ConfigFile, IgnoresLinesThatSetNothing) {
-  configure("\n\n# connTester\n[tests]\nnumPings\n = \nnumPings=4\n\nunknown=1\n");
-
-  EXPECT_EQ(console([] { readConfigFile(); }), "");
-
-  EXPECT_EQ(changes(), "numPings=4 ");
-}
-
-TEST_F(ConfigFile, TakesTheLastOfSeveralNumbers) {
-  configure("numPings=2\noutputFormat=3\nnumPings=3\noutputFormat=7\nnumPings=4\n");
-
-  const std::string text = console([] { readConfigFile(); });
-
-  EXPECT_EQ(text, "outputFormat out of range (1-3). Set to 1.\n");
-  EXPECT_EQ(changes(), "numPings=4 ");
-}
-
-TEST_F(ConfigFile, NeverSwitchesBack) {
+TEST_F(ConfigFile, TakesTheLastNumberAndNeverSwitchesBack) {
   configure(
+      "\n\n# connTester\n[tests]\nnumPings\n = \nnumPings=2\noutputFormat=3\nunknown=1\n"
       "debugPrintPing=true\ndebugPrintPing=false\ndoPingTests=false\ndoPingTests=true\n"
-      "pingTestServer=true\npingTestServer=false\ndoIperf3Tests=false\ndoIperf3Tests=true\n");
+      "numPings=3\noutputFormat=2\nnumPings=4\n");
 
-  readConfigFile();
-
-  EXPECT_EQ(changes(), "debugPrintPing=1 pingTestServer=1 doPingTests=0 doIperf3Tests=0 ");
+  EXPECT_EQ(changesByFile(), "numPings=4 debugPrintPing=1 doPingTests=0 outputFormat=2 ");
 }
 
 TEST_F(ConfigFile, StopsAtAMalformedNumberAndNamesItsLine) {
