@@ -5,11 +5,9 @@
 #include "text_buffer.h"
 #include "time_services.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <unistd.h>
 
 namespace {
 
@@ -102,9 +100,4 @@ std::string repeated(const std::string& text, int count) {
     all += text;
   }
   return all;
-}
-
-void printOnStandardError() {
-  ASSERT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
-  dup2(STDERR_FILENO, STDOUT_FILENO);
 }

@@ -46,7 +46,3 @@ std::string testData(const std::string& name);
 
 /// "text" repeated `count` times.
 std::string repeated(const std::string& text, int count);
-
-/// Makes standard output a stream that nothing was printed on yet, since only such a one's
-/// buffering can be set, and lets it print where standard error does.
-void printOnStandardError();
