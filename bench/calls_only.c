@@ -13,7 +13,7 @@ __attribute__((format(printf, 1, 2))) static void run(const char* format, ...) {
   va_start(values, format);
   vsnprintf(commandLine, sizeof commandLine, format, values);
   va_end(values);
-  system(commandLine);
+  (void)!system(commandLine);
 }
 
 static void waitMs(long ms) {

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Measures and prints the tables of docs/performance.md.
+"""Measures and prints the tables of a section of docs/performance.md.
 
 What is compared is measured side by side: whole runs take turns, round by round. Times are medians.
 
-Usage: behind bench/with_fake_tools: bench/tables.py BUILD_DIRECTORY
+Usage: behind bench/with_fake_tools: bench/tables.py BUILD_DIRECTORY run|report|histories|units
 """
 import json
 import os
@@ -16,16 +16,16 @@ BENCH = pathlib.Path(__file__).parent
 BUILD = pathlib.Path(sys.argv[1])
 INPUTS = pathlib.Path("/tmp/inputs")
 
+PEAK = "Peak memory of a process that reads one, in MB"
+
 ROUNDS = 20
 RUNS_A_ROUND = 20
 
 PROGRAM = "connTester"
 RUNS = {
     PROGRAM: f"{BUILD}/connTester 10.0.0.5",
-    "(a) C, only the command lines and the two waits": f"{BUILD}/bench/calls_only 10.0.0.5 3",
-    "(a) C, only the command lines": f"{BUILD}/bench/calls_only 10.0.0.5",
-    "(b) POSIX shell script": f"{BENCH}/same_job.sh 10.0.0.5",
-    "(c) Python script": f"{BENCH}/same_job.py 10.0.0.5",
+    "only the command lines and the two waits": f"{BUILD}/bench/calls_only 10.0.0.5 3",
+    "only the command lines": f"{BUILD}/bench/calls_only 10.0.0.5",
 }
 
 REPORT_READERS = (PROGRAM, "nlohmann-json", "nlohmann-json, intervals dropped", "simdjson")
@@ -44,8 +44,9 @@ HISTORY_READERS = (
 )
 
 
-def print_table(title, head, rows):
-    print(f"\n### {title}\n")
+def print_table(head, rows, caption=""):
+    """Prints a table, behind the line that says what of when there is more than one."""
+    print(f"\n{caption}:\n" if caption else "")
     print("| " + " | ".join(head) + " |")
     print("|---" + "|---:" * (len(head) - 1) + "|")
     for row in rows:
@@ -92,7 +93,7 @@ def print_run_times():
         row += [f"{processor * 1e3:.1f}", f"{processor_ratio:.2f}"]
         rows.append([name] + row)
     head = ["Run", "wall clock (ms)", "connTester takes", "processor (ms)", "connTester takes"]
-    print_table("A whole run with tools that end at once", head, rows)
+    print_table(head, rows)
 
 
 def count_calls(command):
@@ -117,7 +118,7 @@ def print_counts():
     rows = [[name] + [str(count) for count in count_calls(run)] for name, run in RUNS.items()]
     head = ["Run", "processes", "calls of all", "of the first", "files opened by all"]
     head.append("by the first")
-    print_table("What a whole run asks of the system", head, rows)
+    print_table(head, rows)
 
 
 # ---- Readers ----
@@ -166,7 +167,7 @@ def print_report_times(times, reports):
         rows.append([size_text(size)] + row)
     head = ["Report"] + [f"{reader} (ns/byte)" for reader in REPORT_READERS]
     head += [f"{reader} takes" for reader in REPORT_READERS[1:]]
-    print_table("Reading an iperf3 report", head, rows)
+    print_table(head, rows)
 
 
 def print_jq_times(reports):
@@ -180,7 +181,7 @@ def print_jq_times(reports):
         row = [f"{time * 1e3:.2f}" for time in times] + [f"{times[-1] / times[0]:.1f}"]
         rows.append([size_text(report.stat().st_size)] + row)
     head = ["Report", "connTester's reader (ms)", "simdjson (ms)", "jq (ms)", "jq takes"]
-    print_table("Reading an iperf3 report as a process of its own", head, rows)
+    print_table(head, rows, "As a process of its own, its start included")
 
 
 def print_report_memory(reports):
@@ -189,11 +190,30 @@ def print_report_memory(reports):
     for report in reports:
         peaks = [peak_megabytes(whole_process(reader, str(report))) for reader in readers]
         rows.append([size_text(report.stat().st_size)] + [f"{peak:.1f}" for peak in peaks])
-    title = "Peak memory of a process that reads an iperf3 report (MB)"
-    print_table(title, ["Report", *readers], rows)
+    print_table(["Report", *readers], rows, PEAK)
 
 
-def print_histories(times, directories):
+def inputs(kind):
+    """Makes the files of that kind, and returns them from small to large."""
+    quiet([f"{BENCH}/make_inputs.py", str(INPUTS)])
+    return sorted((INPUTS / kind).iterdir(), key=lambda path: int(path.stem))
+
+
+def print_runs():
+    print_run_times()
+    print_counts()
+
+
+def print_reports():
+    reports = inputs("reports")
+    print_report_times(google_benchmark("readers_bench", str(INPUTS)), reports)
+    print_jq_times(reports)
+    print_report_memory(reports)
+
+
+def print_histories():
+    directories = inputs("histories")
+    times = google_benchmark("readers_bench", str(INPUTS))
     time_rows, memory_rows = [], []
     for directory in directories:
         length = int(directory.name)
@@ -203,39 +223,18 @@ def print_histories(times, directories):
         time_rows.append([f"{length:,}"] + [f"{time / length:.0f}" for time in of_reader])
         memory_rows.append([f"{length:,}"] + [f"{peak:.1f}" for peak in peaks])
     head = ["Lines", *HISTORY_READERS]
-    print_table("Reading a history (ns/line)", head, time_rows)
-    print_table("Peak memory of a process that reads a history (MB)", head, memory_rows)
+    print_table(head, time_rows, "Nanoseconds for each line")
+    print_table(head, memory_rows, PEAK)
 
 
 def print_units():
     times = google_benchmark("units_bench")
     rows = [[name, f"{time / 1e3:.2f}"] for name, time in times.items()]
-    print_table("Units", ["Unit", "processor (µs)"], rows)
+    print_table(["Unit", "processor (µs)"], rows)
 
 
-def print_machine():
-    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES")
-    compiler = subprocess.run(["g++", "-dumpfullversion"], check=True, stdout=subprocess.PIPE)
-    print(
-        f"{os.cpu_count()} processors, {memory / 2**30:.0f} GiB of memory, "
-        f"g++ {compiler.stdout.decode().strip()}, load {os.getloadavg()[0]:.1f} at the start"
-    )
-
-
-def main():
-    os.chdir("/tmp")
-    print_machine()
-    quiet([f"{BENCH}/make_inputs.py", str(INPUTS)])
-    reports = sorted((INPUTS / "reports").iterdir(), key=lambda path: int(path.stem))
-    histories = sorted((INPUTS / "histories").iterdir(), key=lambda path: int(path.name))
-    print_counts()
-    print_run_times()
-    times = google_benchmark("readers_bench", str(INPUTS))
-    print_report_times(times, reports)
-    print_jq_times(reports)
-    print_report_memory(reports)
-    print_histories(times, histories)
-    print_units()
-
-
-main()
+SECTIONS = {
+    "run": print_runs, "report": print_reports, "histories": print_histories, "units": print_units
+}
+os.chdir("/tmp")
+SECTIONS[sys.argv[2]]()
