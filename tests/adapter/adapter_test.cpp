@@ -7,12 +7,12 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <functional>
 #include <string>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
 
@@ -25,9 +25,7 @@ class Adapter : public AdapterFixture, public testing::WithParamInterface<const 
   Adapter() : AdapterFixture(GetParam()) {}
 
   /// The arguments by which the tool is to take a second. With a grace of one more, that makes two.
-  std::vector<std::string> oneSecond() const {
-    return {adapter, name == "ping" ? "-c" : "-t", "1"};
-  }
+  std::vector<std::string> oneSecond() const { return {name == "ping" ? "-c" : "-t", "1"}; }
 
   std::string saying(const std::string& message) const {
     return name + " adapter: " + message + "\n";
@@ -39,23 +37,26 @@ INSTANTIATE_TEST_SUITE_P(Of, Adapter, testing::Values(PING_ADAPTER, IPERF3_ADAPT
                            return fs::path(adapter.param).filename().string();
                          });
 
-TEST_P(Adapter, PassesEveryArgumentOn) {
-  fakeTool(R"(for argument; do printf '<%s>\n' "$argument"; done)");
-
-  EXPECT_EQ(run({"-c", "3", "", "two  words", "$HOME;'\"*", "-n", "a\nline", "\xff"}),
-            "<-c>\n<3>\n<>\n<two  words>\n<$HOME;'\"*>\n<-n>\n<a\nline>\n<\xff>\nexit status 0");
+void block(int signal) {
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, signal);
+  sigprocmask(SIG_BLOCK, &blocked, nullptr);
 }
 
-TEST_P(Adapter, GivesTheToolItsOwnName) {
+TEST_P(Adapter, GivesTheToolItsNameAndEveryArgument) {
+  using std::string_literals::operator""s;
   std::ofstream("print.pl") << "open(F, '/proc/self/cmdline'); print <F>;";
-  fs::create_symlink("/usr/bin/perl", directory / "system" / name);
+  linkTool("/usr/bin/perl");
 
-  EXPECT_EQ(run({"print.pl"}), name + std::string("\0print.pl\0", 10) + "exit status 0");
+  EXPECT_EQ(run({"print.pl", "-c", "3", "", "two  words", "$HOME;'\"*", "-n", "a\nline", "\xff"}),
+            name + "\0print.pl\0-c\0"s + "3\0\0two  words\0$HOME;'\"*\0-n\0a\nline\0\xff\0"s +
+                "exit status 0");
 }
 
 TEST_P(Adapter, GivesTheToolTheDescriptorsOfTheCallerAndNoOther) {
   fakeTool("echo /proc/self/fd/*");
-  const std::string alone = Process({(directory / "system" / name).string()}).readOutput();
+  const std::string alone = Process({tool}).readOutput();
 
   EXPECT_EQ(run(), alone + "exit status 0");
 }
@@ -68,8 +69,7 @@ TEST_P(Adapter, PassesALineOnBeforeTheToolGoesOn) {
   process.writeInput("second\n");
   EXPECT_EQ(process.readLine(), "second\n");
   process.writeInput("third\n");
-  EXPECT_EQ(process.readLine(), "last\n");
-  EXPECT_EQ(process.end(), "exit status 0");
+  EXPECT_EQ(process.result(), "last\nexit status 0");
 }
 
 TEST_P(Adapter, PassesEveryByteOn) {
@@ -88,21 +88,12 @@ TEST_P(Adapter, LeavesTheErrorOutputAlone) {
   EXPECT_EQ(run(), "rtt min/avg/max/mdev = 1/2/3/4 ms\nexit status 0");
 }
 
-TEST_P(Adapter, EndsWithTheExitStatusOfTheTool) {
+TEST_P(Adapter, EndsAsItsToolDoes) {
   for (const std::string status : {"0", "1", "2", "77", "126", "127", "143", "255"}) {
     fakeTool("exit " + status);
 
     EXPECT_EQ(run(), "exit status " + status);
   }
-}
-
-TEST_P(Adapter, EndsWithTheExitStatusEvenWhereTheEndsOfChildrenAreIgnored) {
-  fakeTool("exit 2");
-
-  EXPECT_EQ(run({}, [] { std::signal(SIGCHLD, SIG_IGN); }), "exit status 2");
-}
-
-TEST_P(Adapter, DiesByTheSignalThatKilledTheTool) {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGKILL, SIGUSR1, SIGPIPE, SIGALRM, SIGTERM}) {
     const std::string number = std::to_string(signal);
     fakeTool("echo dying; kill -" + number + " $$");
@@ -111,38 +102,32 @@ TEST_P(Adapter, DiesByTheSignalThatKilledTheTool) {
   }
 }
 
-TEST_P(Adapter, DiesByASignalThatTheCallerBlocks) {
-  writeScript("system/" + name,
-              "#!/usr/bin/perl\n"
-              "use POSIX; sigprocmask(SIG_UNBLOCK, POSIX::SigSet->new(SIGTERM)); kill TERM => $$;");
-  const auto blockTermination = [] {
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGTERM);
-    sigprocmask(SIG_BLOCK, &blocked, nullptr);
+TEST_P(Adapter, EndsAsItsToolDoesWhateverTheCallerHasDoneWithSignals) {
+  const struct {
+    const char* what;
+    std::function<void()> prepare;
+    const char* commands;
+    const char* result;
+  } cases[] = {
+      {"ignored the ends of children", [] { std::signal(SIGCHLD, SIG_IGN); }, "exit 2",
+       "exit status 2"},
+      {"ignored the signal", [] { std::signal(SIGTERM, SIG_IGN); },
+       "exec /usr/bin/perl -e '$SIG{TERM} = \"DEFAULT\"; kill TERM => $$'", "killed by signal 15"},
+      {"blocked the signal", [] { block(SIGTERM); },
+       "exec /usr/bin/perl -e 'use POSIX; sigprocmask(SIG_UNBLOCK, POSIX::SigSet->new(SIGTERM)); "
+       "kill TERM => $$'",
+       "killed by signal 15"},
+      {"blocked another signal", [] { block(SIGALRM); },
+       "while read -r line; do case $line in SigBlk:*) echo \"$line\"; esac; done "
+       "</proc/self/status",
+       "SigBlk:\t0000000000002000\nexit status 0"},
   };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    fakeTool(c.commands);
 
-  EXPECT_EQ(run({}, blockTermination), "killed by signal 15");
-}
-
-TEST_P(Adapter, DiesByASignalThatTheCallerIgnores) {
-  writeScript("system/" + name, "#!/usr/bin/perl\n$SIG{TERM} = 'DEFAULT'; kill TERM => $$;");
-
-  EXPECT_EQ(run({}, [] { std::signal(SIGTERM, SIG_IGN); }), "killed by signal 15");
-}
-
-TEST_P(Adapter, LeavesTheToolTheSignalsThatTheCallerBlocks) {
-  fakeTool(
-      "while read -r line; do case $line in SigBlk:*) echo \"$line\";; esac; done "
-      "</proc/self/status");
-  const auto blockAlarm = [] {
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGALRM);
-    sigprocmask(SIG_BLOCK, &blocked, nullptr);
-  };
-
-  EXPECT_EQ(run({}, blockAlarm), "SigBlk:\t0000000000002000\nexit status 0");
+    EXPECT_EQ(run({}, c.prepare), c.result);
+  }
 }
 
 TEST_P(Adapter, PassesSignalsOnAndReadsToTheEndOfTheOutput) {
@@ -153,28 +138,11 @@ TEST_P(Adapter, PassesSignalsOnAndReadsToTheEndOfTheOutput) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     fakeTool("trap 'echo trapped; echo the end; exit 3' " + std::string(c.name) +
-             "\necho ready\nread -r line");
-    Process process({adapter});
-    EXPECT_EQ(process.readLine(), "ready\n");
+             "\necho ready; read -r line");
+    EXPECT_EQ(runInto(c.number), "trapped\nthe end\nexit status 3");
 
-    process.sendSignal(c.number);
-
-    EXPECT_EQ(process.readOutput(), "trapped\nthe end\n");
-    EXPECT_EQ(process.readErrors(), "");
-    EXPECT_EQ(process.end(), "exit status 3");
-  }
-}
-
-TEST_P(Adapter, DiesByASignalThatTheToolDoesNotCatch) {
-  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
     fakeTool("echo ready; read -r line");
-    Process process({adapter});
-    EXPECT_EQ(process.readLine(), "ready\n");
-
-    process.sendSignal(signal);
-
-    EXPECT_EQ(process.readErrors(), "");
-    EXPECT_EQ(process.end(), "killed by signal " + std::to_string(signal));
+    EXPECT_EQ(runInto(c.number), "killed by signal " + std::to_string(c.number));
   }
 }
 
@@ -187,8 +155,7 @@ TEST_P(Adapter, LeavesSignalsIgnoredThatTheCallerIgnores) {
   process.sendSignal(SIGHUP);
   process.writeInput("still there\n");
 
-  EXPECT_EQ(process.readLine(), "still there\n");
-  EXPECT_EQ(process.end(), "exit status 0");
+  EXPECT_EQ(process.result(), "still there\nexit status 0");
 }
 
 TEST_P(Adapter, LeavesASignalOfTheTerminalToTheTerminal) {
@@ -210,84 +177,65 @@ until read -r line; do :; done
   process.sendSignal(SIGTERM);
   process.sendSignal(SIGCONT);
 
-  EXPECT_EQ(process.readOutput(), "1\n");
-  EXPECT_EQ(process.end(), "exit status 0");
+  EXPECT_EQ(process.result(), "1\nexit status 0");
 }
 
 TEST_P(Adapter, InterruptsTheToolAtItsTimeLimit) {
   setGraceSeconds("1");
   fakeTool("trap 'echo interrupted; exit 3' INT; echo ready; read -r line");
   const auto start = std::chrono::steady_clock::now();
-  Process process(oneSecond());
 
-  EXPECT_EQ(process.readOutput(), "ready\ninterrupted\n");
+  EXPECT_EQ(run(oneSecond()),
+            "ready\ninterrupted\n" +
+                saying(name + " had not ended after 2 seconds and was interrupted") +
+                "exit status 3");
 
-  EXPECT_EQ(process.readErrors(),
-            saying(name + " had not ended after 2 seconds and was interrupted"));
-  EXPECT_EQ(process.end(), "exit status 3");
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-  EXPECT_LT(process.busySeconds(), 0.5);
+  rusage usage = {};
+  getrusage(RUSAGE_CHILDREN, &usage);
+  EXPECT_LT(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec, 1);
 }
 
 TEST_P(Adapter, InterruptsAToolEvenWhereTheCallerIgnoresInterrupts) {
   setGraceSeconds("1");
-  writeScript("system/" + name, "#!/usr/bin/perl\n$SIG{INT} = sub { exit 3 }; sleep;");
-  Process process(oneSecond(), [] { std::signal(SIGINT, SIG_IGN); });
+  fakeTool("exec /usr/bin/perl -e '$SIG{INT} = sub { exit 3 }; sleep'");
 
-  EXPECT_EQ(process.readErrors(),
-            saying(name + " had not ended after 2 seconds and was interrupted"));
-  EXPECT_EQ(process.end(), "exit status 3");
+  EXPECT_EQ(run(oneSecond(), [] { std::signal(SIGINT, SIG_IGN); }),
+            saying(name + " had not ended after 2 seconds and was interrupted") + "exit status 3");
 }
 
 TEST_P(Adapter, KillsAToolThatGoesOnAfterItsTimeLimit) {
   setGraceSeconds("1");
   fakeTool("trap 'echo interrupted' INT; echo ready; until read -r line; do :; done");
-  Process process(oneSecond());
 
-  EXPECT_EQ(process.readOutput(), "ready\ninterrupted\n");
-
-  EXPECT_EQ(process.readErrors(), saying(name + " had not ended after 2 seconds and was "
-                                                "interrupted, then killed after 1 second more"));
-  EXPECT_EQ(process.end(), "killed by signal 9");
+  EXPECT_EQ(run({name == "ping" ? "--count" : "--time", "1"}),
+            "ready\ninterrupted\n" +
+                saying(name + " had not ended after 2 seconds and was interrupted, then killed "
+                              "after 1 second more") +
+                "killed by signal 9");
 }
 
 TEST_P(Adapter, KillsAToolThatGoesOnAfterASignalToEnd) {
   setGraceSeconds("1");
   fakeTool("trap '' HUP INT TERM; echo ready; read -r line");
-  const int signals[] = {SIGHUP, SIGINT, SIGTERM};
-  Process processes[] = {Process({adapter}), Process({adapter}), Process({adapter})};
-  for (std::size_t i = 0; i < std::size(signals); ++i) {
-    EXPECT_EQ(processes[i].readLine(), "ready\n");
-    processes[i].sendSignal(signals[i]);
-  }
-
-  for (Process& process : processes) {
-    EXPECT_EQ(process.readErrors(),
-              saying(name + " had not ended 1 second after a signal to end and was killed"));
-    EXPECT_EQ(process.end(), "killed by signal 9");
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    EXPECT_EQ(runInto(signal),
+              saying(name + " had not ended 1 second after a signal to end and was killed") +
+                  "killed by signal 9");
   }
 }
 
 TEST_P(Adapter, LetsAToolGoOnAfterASignalToQuit) {
   setGraceSeconds("1");
-  fakeTool(
-      "trap 'echo statistics' QUIT; echo ready; until read -r line; do :; done; "
-      "/bin/sleep 1.5; exit 3");
-  Process process({adapter});
-  EXPECT_EQ(process.readLine(), "ready\n");
+  fakeTool("trap 'echo statistics' QUIT; /bin/sleep 2 & echo ready; wait; wait; exit 3");
 
-  process.sendSignal(SIGQUIT);
-
-  EXPECT_EQ(process.readLine(), "statistics\n");
-  process.writeInput("go on\n");
-  EXPECT_EQ(process.readErrors(), "");
-  EXPECT_EQ(process.end(), "exit status 3");
+  EXPECT_EQ(runInto(SIGQUIT), "statistics\nexit status 3");
 }
 
 TEST_P(Adapter, EndsByASignalAlsoWhereNobodyTakesItsMessage) {
   setGraceSeconds("1");
   fakeTool("exec 2>&-; echo ready; read -r line");
-  Process process(oneSecond(), [] {
+  Process process({adapter, oneSecond()[0], oneSecond()[1]}, [] {
     fcntl(STDERR_FILENO, F_SETPIPE_SZ, 1);
     const int capacity = fcntl(STDERR_FILENO, F_GETPIPE_SZ);
     const std::string text(static_cast<std::size_t>(capacity), 'x');
@@ -303,21 +251,17 @@ TEST_P(Adapter, EndsByASignalAlsoWhereNobodyTakesItsMessage) {
 
 TEST_P(Adapter, TakesItsToolAlongWhenItIsKilled) {
   fakeTool("echo ready; read -r line");
-  Process process({adapter});
-  EXPECT_EQ(process.readLine(), "ready\n");
 
-  process.sendSignal(SIGKILL);
-
-  EXPECT_EQ(process.end(), "killed by signal 9");
-  EXPECT_EQ(process.readErrors(), "");  // to its end, when the tool has ended
+  // Its outputs are read to their ends, when the tool has ended.
+  EXPECT_EQ(runInto(SIGKILL), "killed by signal 9");
 }
 
 TEST_P(Adapter, GoesThroughOtherAdaptersToTheTool) {
   fs::create_directory("copy");
   fs::copy_file(adapter, "copy/" + name);
   fakeTool("echo reached");
-  for (const std::string& adapters : {adapterDirectory() + ":copy", "copy:" + adapterDirectory(),
-                                      adapterDirectory() + ":copy:" + adapterDirectory()}) {
+  for (const std::string& adapters : {adapterDirectory + ":copy", "copy:" + adapterDirectory,
+                                      adapterDirectory + ":copy:" + adapterDirectory}) {
     SCOPED_TRACE(adapters);
     setPath(adapters + ":system");
 
@@ -325,19 +269,10 @@ TEST_P(Adapter, GoesThroughOtherAdaptersToTheTool) {
   }
 }
 
-TEST_P(Adapter, EndsWhereTheToolCallsItAgain) {
-  fakeTool("exec " + adapter);
-
-  EXPECT_EQ(run(), saying("called again by what it has taken for the system's " + name) +
-                       "exit status 126");
-}
-
 TEST_P(Adapter, SaysThatTheToolCannotBeRun) {
-  writeScript("system/" + name, "no program");
+  writeScript(tool, "no program");
 
-  EXPECT_EQ(run(),
-            saying("cannot run " + (directory / "system" / name).string() + ": Exec format error") +
-                "exit status 126");
+  EXPECT_EQ(run(), saying("cannot run " + tool + ": Exec format error") + "exit status 126");
 }
 
 }  // namespace

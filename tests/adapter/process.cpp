@@ -205,14 +205,13 @@ void Process::awaitFullOutput() const {
 
 std::string Process::end() {
   int status = 0;
-  EXPECT_EQ(wait4(process, &status, 0, &usage), process);
+  EXPECT_EQ(waitpid(process, &status, 0), process);
   return WIFSIGNALED(status) ? "killed by signal " + std::to_string(WTERMSIG(status))
                              : "exit status " + std::to_string(WEXITSTATUS(status));
 }
 
-double Process::busySeconds() const {
-  const timeval& user = usage.ru_utime;
-  const timeval& system = usage.ru_stime;
-  return static_cast<double>(user.tv_sec + system.tv_sec) +
-         static_cast<double>(user.tv_usec + system.tv_usec) / 1e6;
+std::string Process::result() {
+  std::string text = readOutput();
+  text += readErrors();
+  return text += end();
 }

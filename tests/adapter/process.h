@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string>
-#include <sys/resource.h>
 #include <sys/types.h>
 #include <vector>
 
@@ -65,13 +64,12 @@ class Process {
 
   /// Waits for the end: "exit status 0", "killed by signal 15".
   std::string end();
-  /// The time for which the program that has ended held a processor, without its tool.
-  double busySeconds() const;
+  /// The rest of both outputs, then the end.
+  std::string result();
 
  private:
   pid_t process = -1;
   int input = -1;
   int output = -1;
   int errors = -1;
-  rusage usage = {};
 };

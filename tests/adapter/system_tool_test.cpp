@@ -16,19 +16,10 @@ namespace fs = std::filesystem;
 constexpr char kAdapters[] = "CONNTESTER_ADAPTERS";
 
 /// Finds the tool named "tool", of which this program takes the adapter's place.
-class SystemTool : public testing::Test {
+class SystemTool : public DirectoryFixture {
  protected:
-  void SetUp() override {
-    char path[] = "/tmp/tools.XXXXXX";
-    ASSERT_NE(mkdtemp(path), nullptr);
-    directory = path;
-    fs::current_path(directory);
-    unsetenv(kAdapters);
-  }
-
   void TearDown() override {
-    fs::current_path("/");
-    fs::remove_all(directory);
+    DirectoryFixture::TearDown();
     fs::remove("/usr/local/bin/tool");
   }
 
@@ -42,8 +33,6 @@ class SystemTool : public testing::Test {
     fs::create_directories(fs::absolute(path).parent_path());
     fs::create_symlink(fs::read_symlink("/proc/self/exe"), path);
   }
-
-  fs::path directory;
 };
 
 TEST_F(SystemTool, IsTheFirstInPathBehindThisProgram) {

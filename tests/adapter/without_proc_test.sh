@@ -3,7 +3,7 @@
 # ping.
 source "$(dirname "$0")/../program/library.sh"
 
-RunsNoPing() {
+RunsNoPingWithoutProc() {
   # shellcheck disable=SC2034 # used by `run`
   tester=("$PING_ADAPTER")
 
