@@ -242,7 +242,7 @@ TEST_P(Adapter, EndsByASignalAlsoWhereNobodyTakesItsMessage) {
     EXPECT_EQ(write(STDERR_FILENO, text.data(), text.size()), capacity);
   });
   EXPECT_EQ(process.readLine(), "ready\n");
-  process.awaitEndOfChildren();
+  process.awaitEndOfChildren(name == "ping" ? 2 : 1);
 
   process.sendSignal(SIGTERM);
 

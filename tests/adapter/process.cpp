@@ -185,14 +185,10 @@ void Process::awaitSleepOfTool() const {
   awaitSleep(childrenOf(process).back());
 }
 
-void Process::awaitEndOfFilter() const {
-  awaitEnd(childrenOf(process).front());
-  awaitSleep(std::to_string(process));
-}
-
-void Process::awaitEndOfChildren() const {
-  for (const std::string& child : childrenOf(process)) {
-    awaitEnd(child);
+void Process::awaitEndOfChildren(std::size_t count) const {
+  const std::vector<std::string> children = childrenOf(process);
+  for (std::size_t i = 0; i < count; ++i) {
+    awaitEnd(children.at(i));
   }
   awaitSleep(std::to_string(process));
 }

@@ -16,8 +16,6 @@ class Terminal {
   ~Terminal();
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
-  Terminal(Terminal&&) = delete;
-  Terminal& operator=(Terminal&&) = delete;
 
   void become(int descriptor) const;
   void press(char key) const;
@@ -36,8 +34,6 @@ class Process {
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
-  Process(Process&&) = delete;
-  Process& operator=(Process&&) = delete;
 
   /// The next line of the output, with its newline; what there is of it when the output ends.
   std::string readLine() const;
@@ -55,10 +51,9 @@ class Process {
   void stop() const;
   /// Waits until the tool, the program's last child, waits for something, or has ended.
   void awaitSleepOfTool() const;
-  /// Waits until the filter, the program's first child, has ended, and the program has seen it.
-  void awaitEndOfFilter() const;
-  /// Waits until all children of the program have ended, and it has seen that.
-  void awaitEndOfChildren() const;
+  /// Waits until the first `count` children of the program, of which the filter is the first, have
+  /// ended, and it has seen that.
+  void awaitEndOfChildren(std::size_t count) const;
   /// Waits until nothing more can be written to the output.
   void awaitFullOutput() const;
 
