@@ -39,8 +39,7 @@ expect_nothing_left() {
 
 # What was started has to end by the signal $1 and to leave nothing.
 expect_end_by() {
-  wait_for_end
-  expect_status "$((128 + $(kill -l "$1")))"
+  expect_end "$((128 + $(kill -l "$1")))"
   expect_nothing_left
 }
 
@@ -122,8 +121,7 @@ KillsWhatDoesNotEndByATermination() {
 
   kill -TERM "$started"
 
-  wait_for_end
-  expect_status 143
+  expect_end 143
   wait_until is_over /tmp/fake/session
 }
 
@@ -133,15 +131,14 @@ is_dead() {
 }
 
 IsEndedBeforeItsCommandLeadsTheSession() {
-  printf '%s\n' '#!/bin/sh' 'echo $$ >/tmp/fake/alone' 'echo >/tmp/fake/begun' \
-    'read -r _ </tmp/fake/gate' >/tmp/bin/setsid
+  printf '#!/bin/sh\n%s\n' 'echo $$ >/tmp/fake/alone; echo >/tmp/fake/begun; read -r _ </tmp/fake/gate' \
+    >/tmp/bin/setsid
   chmod +x /tmp/bin/setsid
   start_session true
 
   kill -TERM "$started"
 
-  wait_for_end
-  expect_status 143
+  expect_end 143
   wait_until is_dead "$(cat /tmp/fake/alone)"
 }
 
@@ -154,8 +151,7 @@ DoesNotWaitForAZombie() {
 
   kill -TERM "$started"
 
-  wait_for_end
-  expect_status 143
+  expect_end 143
   ((SECONDS < 4)) || fail "it took $SECONDS seconds"
 }
 
@@ -165,8 +161,7 @@ GoesOnAfterAnInterrupt() {
 
   kill -INT "$started"
 
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_file /tmp/fake/console <<<$'reply\nsummary\nnext'
   expect_file /tmp/fake/copy <<<$'reply\nsummary'
   expect_file /tmp/fake/errors <<<"$interrupted"
@@ -215,8 +210,7 @@ StopsAndContinuesTheSession() { # --untraced
   wait_until is_in_state RSD
   open_gate
 
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_file /tmp/fake/console <<<next
 }
 
@@ -262,8 +256,7 @@ GoesOnAfterTheInterruptKey() {
 
   press '\003'
 
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_terminal <<<"reply"$'\n'"^C$interrupted"$'\nsummary\nnext'
   expect_file /tmp/fake/copy <<<$'reply\nsummary'
 }
@@ -294,8 +287,7 @@ GoesOnAfterTheStopKeyWhereNobodyCouldContinueIt() {
   wait_until shows '^Z'
   open_gate
 
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_terminal <<<$'lasting\n^Znext'
 }
 

@@ -109,11 +109,12 @@ open_gate() {
   echo >&8
 }
 
-# Waits for the end of the process `started` and notes its exit status.
-wait_for_end() {
+# Waits for the end of the process `started`, which has to end with status $1.
+expect_end() {
   status=0
   # shellcheck disable=SC2154 # set by the caller
   wait "$started" || status=$?
+  expect_status "$1"
 }
 
 # Waits, five seconds at most, until a command succeeds.

@@ -60,7 +60,7 @@ ServiceRunsTheTesterAgainstItsInstance() {
 
 # Runs what the service runs at its end, after a run with exit status $1 beside one that began $2 minutes
 # ago. It has to end with status $3.
-expect_end() {
+expect_service_end() {
   touch -d "$2 minutes ago" "$logs/connTester.lock"
 
   run PATH=/usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "$(service_value ExecStopPost)"
@@ -74,7 +74,7 @@ ServiceFailsWhenRunsAreLeftOutForAnHour() {
   make_log_directories
 
   expect_file <(service_value SuccessExitStatus) <<<75
-  for_each_case expect_end <<'END'
+  for_each_case expect_service_end <<'END'
 75 | 59 | 0
 75 | 62 | 1
 0  | 62 | 0

@@ -315,7 +315,7 @@ expect_one_run_at_a_time() {
   expect_busy "another run of yours is in progress, as process $started since 2026-11-20 17:42:10"
 
   open_gate
-  wait_for_end
+  expect_end 0
   expect_free
   expect_file /tmp/fake/events <<<$'connTester [10.0.0.5]\nconnTester [10.0.0.7]'
 }
@@ -343,7 +343,7 @@ LetsInOneRunAtATimeWithPerlInPlaceOfFlock() {
 TellsEachOfManyWhichRunIsInProgress() {
   start_long_run
   open_gate
-  wait_for_end
+  expect_end 0
   local runs=({1..30})
 
   local number
@@ -473,8 +473,7 @@ TriesAgainWhenTheLockIsLetGo() {
   exec 7>&-
 
   open_gate
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_file /tmp/fake/events <<<'connTester [10.0.0.5]'
 }
 
@@ -486,8 +485,7 @@ LooksAgainWhoHasTakenTheLock() {
   echo "$$ 2026-11-20 17:42:10" >"$logs/connTester.lock"
 
   open_gate
-  wait_for_end
-  expect_status 75
+  expect_end 75
   expect_file /tmp/fake/errors \
     <<<"connTester: another run of yours is in progress, as process $$ since 2026-11-20 17:42:10"
 }
@@ -497,8 +495,7 @@ EndsItsProgramAndToolsAtATermination() {
 
   kill -TERM "$started"
 
-  wait_for_end
-  expect_status 143
+  expect_end 143
   expect_free
 }
 
@@ -515,8 +512,7 @@ KeepsThePingsThatCameBackBeforeAnInterrupt() { # --own-network
 
   kill -INT "$started"
 
-  wait_for_end
-  expect_status 0
+  expect_end 0
   expect_file /tmp/fake/errors <<<'connTester: interrupted: the run goes on with the next step;'\
 ' ^C again ends it'
   expect_file <(cut -d ' ' -f 1 "$logs/ping_latest.log" | uniq | tail -n 1) <<<round-trip
