@@ -1,6 +1,6 @@
 #include "ping_summary.h"
 
-#include "adapter/process.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,7 @@
 #include "adapter/process.h"
 
+#include "support/files.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <sys/ioctl.h>
@@ -82,14 +83,6 @@ void awaitEnd(const std::string& process) {
 }
 
 }  // namespace
-
-std::string readFile(const std::string& path) {
-  const std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.good()) << path;
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
 
 Terminal::Terminal() : keyboard(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
   EXPECT_EQ(grantpt(keyboard), 0);

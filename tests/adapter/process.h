@@ -6,9 +6,6 @@
 #include <sys/types.h>
 #include <vector>
 
-/// Text as a test reads it: the whole file at `path`, which must be there.
-std::string readFile(const std::string& path);
-
 /// A terminal, which controls the session of a process that makes it one of its descriptors.
 class Terminal {
  public:

@@ -2,6 +2,7 @@
 
 #include "adapter/adapter_fixture.h"
 #include "adapter/process.h"
+#include "support/files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
