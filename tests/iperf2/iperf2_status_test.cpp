@@ -99,6 +99,10 @@ TEST(Iperf2Report, TakesTextsOf32CharactersWithoutHarmToTheirNeighbours) {
   const std::string server(32, 's');
   const std::string time(32, 't');
 
+  EXPECT_EQ(sizeof(iperf2_status::date), 33U);
+  EXPECT_EQ(sizeof(iperf2_status::clientIp), 33U);
+  EXPECT_EQ(sizeof(iperf2_status::serverIp), 33U);
+  EXPECT_EQ(sizeof(iperf2_status::testTime), 33U);
   EXPECT_EQ(scanned(date + "," + client + ",54012," + server + ",5001,3," + time + ",8,9"),
             date + " " + client + " 54012 " + server + " 5001 3 " + time + " 8 9");
 }
