@@ -11,7 +11,7 @@
 #include "results/result_line.h"
 #include "run_state.h"
 #include "support/files.h"
-#include "support/log_files.h"
+#include "support/log_paths.h"
 #include "text_buffer.h"
 #include "time_services.h"
 

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "support/files.h"
-#include "support/log_files.h"
+#include "support/log_paths.h"
 
 #include <cstddef>
 #include <initializer_list>

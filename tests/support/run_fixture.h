@@ -3,7 +3,7 @@
 
 #include "support/fake_host.h"
 #include "support/files.h"
-#include "support/log_files.h"
+#include "support/log_paths.h"
 
 #include <gtest/gtest.h>
 
