@@ -1,13 +1,10 @@
 #!/usr/bin/env bash
 # The ping adapter where /proc does not tell its own file, so that it could take itself for the system's
 # ping.
-source "$(dirname "$0")/../program/library.sh"
+source "$(dirname "$0")/../support/program.sh"
 
 RunsNoPingWithoutProc() {
-  # shellcheck disable=SC2034 # used by `run`
-  tester=("$PING_ADAPTER")
-
-  run -c 1 10.0.0.5
+  run "$PING_ADAPTER" -c 1 10.0.0.5
 
   expect_status 126
   expect_file /tmp/fake/console </dev/null

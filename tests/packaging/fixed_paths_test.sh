@@ -177,7 +177,7 @@ LinksNoIperf3OfTheWorkingDirectory() {
   prepare
   rm "$adapter"
   provide cp dirname grep mkdir mv readlink sh
-  cp "$tests/fake_tool" iperf3
+  cp "$support/fake_tool" iperf3
   tester=(env PATH=.:/tmp/bin "$programs/fixed-paths")
 
   run make

@@ -5,7 +5,7 @@
 #   /tmp/usr  the prefix of the installation that a test makes
 #
 # CTest sets BUILD_DIRECTORY and PROJECT_VERSION.
-source "$(dirname "${BASH_SOURCE[0]}")/../program/library.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../support/program.sh"
 
 # shellcheck disable=SC2034 # used by the scripts
 packaging=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../packaging" && pwd)
@@ -18,6 +18,12 @@ export PATH=/tmp/bin:$PATH
 
 # shellcheck disable=SC2034 # used by `run`
 tester=("$prefix/bin/connTester")
+
+# Runs what is tested, which a test may change, and notes what it prints and its exit status.
+run() {
+  status=0
+  "${tester[@]}" "$@" >/tmp/fake/console 2>/tmp/fake/errors || status=$?
+}
 
 install_tester() {
   cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" >/tmp/fake/installation 2>&1 ||
@@ -49,7 +55,7 @@ expect_folder_as_it_was() {
 # commands given.
 install_fake_program() {
   install_tester
-  cp "$tests/fake_tool" "$programs/connTester"
+  cp "$support/fake_tool" "$programs/connTester"
   touch /tmp/fake/connTester.out
   echo "$1" >/tmp/fake/connTester.end
 }

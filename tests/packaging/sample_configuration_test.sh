@@ -10,7 +10,7 @@ run_as() {
   set_clock '2026-11-16 05:40:00'
   tester=(env PATH=/tmp/bin LD_PRELOAD="$FAKE_CLOCK" connTester)
   run 10.0.0.5
-  { cat /tmp/fake/console && print_traces; } >"/tmp/$1"
+  print_run >"/tmp/$1"
 }
 
 ChangesNothing() {

@@ -1,140 +1,116 @@
 # shellcheck shell=bash
-# Functions for the tests of the whole program. A test script sources this file, defines one function
-# for each test and ends with `run_test "$@"`; its argument is the name of the test.
+# Functions for the tests of the program, on top of those for all tests that run one.
 #
-# A test runs behind support/private_machine, so that all paths are fixed:
-#   /tmp/home  HOME
-#   /tmp/work  the working directory
-#   /tmp/bin   PATH of the program: itself, the few tools that it needs, the fake ping
-#   /tmp/fake  what the fakes know and note (see fake_tool and fake_clock.cpp), and in "console" and
-#              "errors" what the last run printed
+# A run is compared whole (see print_run). A few runs stand whole in expected/TEST.run. Of any other, what
+# is different from one of them stands in expected/TEST.changes: "-" is how it is there, "+" how it is in
+# the test.
 #
-# CTest sets CONN_TESTER, FAKE_CLOCK, IPERF2_DRIVER and PING_ADAPTER to the paths of what was built.
-set -euo pipefail
+# CTest sets KILL_AT beside what it sets for all. FAULTS=long tries more cuts, kills and pairs of runs
+# than usual.
+source "$(dirname "${BASH_SOURCE[0]}")/../support/program.sh"
 
-tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-installation=/usr/local/bin/Qelmora
-logs=/tmp/home/Library/Logs/Qelmora
+program_tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
-# The command line of the program, and the exit status of its last run.
-tester=(env PATH=/tmp/bin LD_PRELOAD="$FAKE_CLOCK" connTester)
-status=
-
-fail() {
-  printf 'FAILED: %s\n' "$*" >&2
-  exit 1
-}
-
-# Fails when a tool is not installed.
-need() {
-  command -v "$1" >/dev/null || fail "this test needs $1, which script/bootstrap installs"
-}
-
-# Writes the configuration file, one line for each argument.
-configure() {
-  printf '%s\n' "$@" >"$installation/connTester.conf"
-}
-
-set_clock() {
-  date --utc --date "$1" +%s >/tmp/fake/clock
-}
-
-# The directories that a first run creates, for a test that has files there before.
-make_log_directories() {
-  mkdir -p "$logs/archive"
-}
-
-# Runs the program and notes what it prints and its exit status.
-run() {
-  status=0
-  "${tester[@]}" "$@" >/tmp/fake/console 2>/tmp/fake/errors || status=$?
-}
-
-# Prints a file, or only the name of the tool whose output it is, unchanged and whole.
-print_file() {
-  local output
-  for output in /tmp/fake/*.out; do
-    if [[ -s $output ]] && cmp -s "$1" "$output"; then
-      echo "(all that $(basename "$output" .out) printed)"
-      return
-    fi
-  done
-  cat "$1"
-}
-
-# Prints all directories and files that the runs have made.
-print_tree() {
-  find /tmp/home /tmp/work -mindepth 1 | sort | while IFS= read -r path; do
-    if [[ -d $path ]]; then
-      echo "== $path/"
-    else
-      echo "== $path"
-      print_file "$path"
-    fi
-  done
-}
-
-# Prints the events of all runs, the end of the last one, and all files.
-print_traces() {
-  echo "== events"
-  cat /tmp/fake/events
-  echo "== errors"
-  cat /tmp/fake/errors
-  echo "== exit status $status"
-  print_tree
-}
-
-# Each of these compares whole texts and fails with the difference.
-
-expect_same() {
-  diff -u "$1" "$2" || fail "$1 (-) is not what the run gave (+)"
-}
-
-expect_console() {
-  expect_same "$tests/expected/$1.console" /tmp/fake/console
-}
-
-expect_traces() {
-  print_traces >/tmp/fake/traces
-  expect_same "$tests/expected/$1.traces" /tmp/fake/traces
-}
-
-# Compares standard input with a file.
-expect_file() {
-  diff -u - "$1" || fail "$1 (+) does not hold what is expected (-)"
-}
-
-expect_status() {
-  [[ $status == "$1" ]] || fail "the exit status is $status, not $1"
-}
-
-install_fakes() {
-  cp "$tests/fake_tool" /tmp/bin/ping
-  cp "$tests/fake_tool" "$installation/iperf3"
-  cp "$tests/data/ping.log" /tmp/fake/ping.out
-  cp "$tests/../data/iperf3/3.12/forward.json" /tmp/fake/iperf3.out
-  cp "$tests/../data/iperf3/3.12/reverse.json" /tmp/fake/iperf3-R.out
-  cp "$tests/../data/iperf2/2.2.1/forward.csv" /tmp/fake/iperf.out
-}
-
-set_up() {
-  mkdir /tmp/home /tmp/work /tmp/bin /tmp/fake
-  ln -s "$CONN_TESTER" /tmp/bin/connTester
-  local tool
-  for tool in cat mkdir mv tee; do
-    ln -s "$(command -v "$tool")" "/tmp/bin/$tool"
-  done
-  install_fakes
+# Has a command run before the test, at the time $1.
+run_before() {
+  set_clock "2026-11-16 $1"
+  run "${@:2}"
+  : >/tmp/fake/events
   set_clock '2026-11-16 05:40:00'
-  touch /tmp/fake/{console,errors,events}
-  export HOME=/tmp/home TZ=UTC LC_ALL=C FAKE_DIR=/tmp/fake
-  # The sanitizers' run-time library wants to be the first; the fake clock is.
-  export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0"
-  ulimit -c 0
-  cd /tmp/work
 }
 
-run_test() {
-  set_up
-  "$1"
+# Has a command run an hour before the test, with tools that measure something else.
+run_an_hour_before() {
+  mkdir /tmp/fake/{earlier,now}
+  cp /tmp/fake/*.out /tmp/fake/now
+  sed -i 's/14.123.15.456/24.123\/25.456/; s/17951806/17951770/; s/"bits_per_second":\t/&2/
+    s/20261120134858/20261120124858/; s/18450505604/28450505604/' /tmp/fake/*.out
+  run_before 04:40:00 "$@"
+  mv /tmp/fake/*.out /tmp/fake/earlier
+  mv /tmp/fake/now/*.out /tmp/fake
+}
+
+# Installs a tester that runs iperf2, which the program itself cannot be told, and the fake iperf.
+install_iperf2() {
+  ln -s "$IPERF2_DRIVER" /tmp/bin/iperf2_driver
+  cp "$support/fake_tool" /tmp/bin/iperf
+}
+
+iperf2_tester() {
+  on_fake_tools iperf2_driver "$@"
+}
+
+# Prints the paths of all histories that are not archived.
+live_histories() {
+  find -H "$logs" -maxdepth 1 -name '*_history*' ! -name '*_verbose.log'
+}
+
+# Gives each history so many lines, of which the last one stays as it is.
+fill_histories() {
+  local history last
+  for history in $(live_histories); do
+    last=$(tail -n 1 "$history")
+    { seq --format 'line %.0f' 2 "$1" && echo "$last"; } >"$history"
+  done
+}
+
+# Takes a command away from the program.
+take_away() {
+  rm "/tmp/bin/$1"
+}
+
+# Puts a script, which comes from standard input, in a command's place.
+replace() {
+  take_away "$1"
+  cat >"/tmp/bin/$1"
+  chmod +x "/tmp/bin/$1"
+}
+
+replace_by_failure() {
+  replace "$1" <<END
+#!/bin/sh
+echo '$1: it does not work' >&2
+exit 1
+END
+}
+
+# Makes a fake tool print a recorded failure and fail.
+fail_with() {
+  cp "$program_tests/../data/$2" "/tmp/fake/$1.out"
+  echo 'exit 1' >"/tmp/fake/$1.end"
+}
+
+# Has fake tools killed when they have printed half of their reports.
+kill_in_mid_output() {
+  local name
+  for name in "$@"; do
+    truncate --size $(($(wc -c <"/tmp/fake/$name.out") / 2)) "/tmp/fake/$name.out"
+    # shellcheck disable=SC2016 # the fake tool's own number
+    echo 'kill -KILL $$' >"/tmp/fake/$name.end"
+  done
+}
+
+ten_megabytes() {
+  printf '%0*d' 10000000 0
+}
+
+# Chooses the second number when FAULTS says so.
+short_or_long() {
+  if [[ ${FAULTS-} == long ]]; then echo "$2"; else echo "$1"; fi
+}
+
+# Compares the last run with the whole one that stands under that name.
+expect_run() {
+  print_run >/tmp/fake/run
+  expect_recorded "$program_tests/expected/$1.run" /tmp/fake/run
+}
+
+# Compares the last run with what stands under the name $1: the changes from the whole run $2.
+expect_changes() {
+  print_run >/tmp/fake/run
+  {
+    printf -- '--- %s\n+++ %s\n' "$2" "$1"
+    diff -U 0 "$program_tests/expected/$2.run" /tmp/fake/run | sed '1,2d; /^@@/d'
+  } >/tmp/fake/changes || true
+  expect_recorded "$program_tests/expected/$1.changes" /tmp/fake/changes
 }

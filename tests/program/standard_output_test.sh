@@ -1,65 +1,76 @@
 #!/usr/bin/env bash
-# Standard output that is no terminal, full or closed, and a run that ends abnormally.
+# Standard output that is a pipe, full or closed, and a run that ends abnormally.
 source "$(dirname "$0")/library.sh"
 
-run_into_pipe() {
-  status=0
-  "${tester[@]}" "$@" 2>/tmp/fake/errors | cat >/tmp/fake/console || status=${PIPESTATUS[0]}
+# Runs a command, which may end abnormally, into a pipe. What the shell says of that goes nowhere.
+into_pipe() {
+  {
+    "$@" 2>&3 | cat
+    return "${PIPESTATUS[0]}"
+  } 3>&2 2>/dev/null
 }
 
-# Puts a text in place of the first port of the iperf3 report.
-spoil_the_forward_report() {
-  sed -i '0,/"local_port":\t[0-9]*/s//"local_port":\t"none"/' /tmp/fake/iperf3.out
+into_full_device() {
+  "$@" >/dev/full
 }
 
-KeepsTheTrueOrderOfLinesInAPipe() {
-  run_into_pipe 10.0.0.5
-
-  expect_console default_run
-  expect_traces default_run
+without_output() {
+  "$@" >&-
 }
 
-MayBeClosed() {
-  status=0
-  "${tester[@]}" 10.0.0.5 2>/tmp/fake/errors >&- || status=$?
-
-  expect_traces default_run
+without_any_stream() {
+  "$@" <&- >&- 2>&-
 }
 
-MayBeClosedTogetherWithInputAndErrorsAndToolsFindThemOpen() {
+# As in "connTester | head -n 1".
+into_pipe_without_reader() {
+  exec 3> >(:)
+  wait $!
+  "$@" >&3
+}
+
+StandardOutput.KeepsTheTrueOrderOfLinesInAPipe() {
+  run into_pipe tester 192.168.1.10
+
+  expect_changes "$1" Program.ExtendsItsHistories
+}
+
+StandardOutput.MayBeClosed() {
+  run without_output tester 192.168.1.10
+
+  expect_changes "$1" Program.ExtendsItsHistories
+}
+
+StandardOutput.MayBeClosedTogetherWithInputAndErrorsAndToolsFindThemOpen() {
   # shellcheck disable=SC2016 # the fake tool's own number
-  echo '/usr/bin/readlink "/proc/$$/fd/0" "/proc/$$/fd/2" >/tmp/fake/streams' >/tmp/fake/iperf3.end
+  echo '/usr/bin/readlink "/proc/$$/fd/0" "/proc/$$/fd/2" >/tmp/work/streams' >/tmp/fake/iperf3.end
 
-  status=0
-  "${tester[@]}" 10.0.0.5 <&- >&- 2>&- || status=$?
+  run without_any_stream tester 192.168.1.10
 
-  expect_traces default_run
-  expect_file /tmp/fake/streams <<<$'/dev/null\n/dev/null'
+  expect_changes "$1" Program.ExtendsItsHistories
 }
 
-MayBeFull() {
-  status=0
-  "${tester[@]}" 10.0.0.5 2>/tmp/fake/errors >/dev/full || status=$?
+StandardOutput.MayBeFull() {
+  run into_full_device tester 192.168.1.10
 
-  expect_traces full_output
+  expect_changes "$1" Program.ExtendsItsHistories
 }
 
-HoldsAllThatWasPrintedBeforeAnAbnormalEndInAFile() {
-  spoil_the_forward_report
+StandardOutput.EndsTheRunWhenItHasNoReader() {
+  run into_pipe_without_reader tester 192.168.1.10
 
-  run 10.0.0.5
-
-  expect_console malformed_report
-  expect_traces malformed_report
+  expect_changes "$1" Program.ExtendsItsHistories
 }
 
-HoldsAllThatWasPrintedBeforeAnAbnormalEndInAPipe() {
-  spoil_the_forward_report
+StandardOutput.HoldsAllThatWasPrintedBeforeAnAbnormalEndInAPipe() {
+  # A text in place of the first port.
+  sed -i '0,/"local_port":\t[0-9]*/s//"local_port":\t"none"/' /tmp/fake/iperf3.out
 
-  run_into_pipe 10.0.0.5
+  run into_pipe tester 192.168.1.10
 
-  expect_console malformed_report
-  expect_traces malformed_report
+  expect_changes "$1" Program.ExtendsItsHistories
 }
 
-run_test "$@"
+set_up
+run_an_hour_before tester 192.168.1.10
+"$1" "$1"
