@@ -110,7 +110,8 @@ expect_changes() {
   print_run >/tmp/fake/run
   {
     printf -- '--- %s\n+++ %s\n' "$2" "$1"
-    diff -U 0 "$program_tests/expected/$2.run" /tmp/fake/run | sed '1,2d; /^@@/d'
-  } >/tmp/fake/changes || true
+    { diff -U 0 "$program_tests/expected/$2.run" /tmp/fake/run || (($? == 1)); } |
+      sed '1,2d; /^@@/d'
+  } >/tmp/fake/changes
   expect_recorded "$program_tests/expected/$1.changes" /tmp/fake/changes
 }
