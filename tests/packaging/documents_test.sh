@@ -71,4 +71,31 @@ ShowWhatARunPrints() {
   expect_file <(without_tools /tmp/fake/console | without_values) < <(example | without_values)
 }
 
+HoldTheFiguresThatTheirCommandsPrint() {
+  cat >document.md <<'END'
+Before.
+<!-- figures: echo '| 1 |' -->
+Old figures.
+<!-- end of figures -->
+<!-- figures: false -->
+Left alone.
+<!-- end of figures -->
+END
+
+  "$project/script/figures" document.md echo 2>/dev/null
+
+  sed -i 's/, .* processors.*/, DAY AND MACHINE/' document.md
+  expect_file document.md <<'END'
+Before.
+<!-- figures: echo '| 1 |' -->
+`echo '| 1 |'`, DAY AND MACHINE
+
+| 1 |
+<!-- end of figures -->
+<!-- figures: false -->
+Left alone.
+<!-- end of figures -->
+END
+}
+
 run_test "$@"
