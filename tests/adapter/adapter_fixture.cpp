@@ -1,9 +1,9 @@
 #include "adapter/adapter_fixture.h"
 
 #include "adapter/process.h"
+#include "support/files.h"
 
 #include <cstdlib>
-#include <fstream>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -57,7 +57,7 @@ std::string AdapterFixture::runInto(int signal) const {
 }
 
 void writeScript(const fs::path& path, const std::string& text) {
-  std::ofstream(path) << text;
+  writeFile(path, text);
   fs::permissions(path, fs::perms::owner_all);
 }
 

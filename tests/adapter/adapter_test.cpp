@@ -2,6 +2,7 @@
 
 #include "adapter/adapter_fixture.h"
 #include "adapter/process.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <sys/resource.h>
@@ -46,7 +46,7 @@ void block(int signal) {
 
 TEST_P(Adapter, GivesTheToolItsNameAndEveryArgument) {
   using std::string_literals::operator""s;
-  std::ofstream("print.pl") << "open(F, '/proc/self/cmdline'); print <F>;";
+  writeFile("print.pl", "open(F, '/proc/self/cmdline'); print <F>;");
   linkTool("/usr/bin/perl");
 
   EXPECT_EQ(run({"print.pl", "-c", "3", "", "two  words", "$HOME;'\"*", "-n", "a\nline", "\xff"}),
@@ -76,7 +76,7 @@ TEST_P(Adapter, PassesEveryByteOn) {
   using std::string_literals::operator""s;
   const std::string bytes = "\0zero\0\n\r\ncarriage\r\n\n\xff\xfe\x80\n"s +
                             std::string(3'000'000, 'x') + "\n time=\n\tno newline"s;
-  std::ofstream("bytes", std::ios::binary) << bytes;
+  writeFile("bytes", bytes);
   fakeTool("exec /bin/cat bytes");
 
   EXPECT_TRUE(run() == bytes + "exit status 0");

@@ -1,12 +1,12 @@
 #include "system_tool.h"
 
 #include "adapter/adapter_fixture.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -25,8 +25,7 @@ class SystemTool : public DirectoryFixture {
 
   static void makeTool(const fs::path& path) {
     fs::create_directories(fs::absolute(path).parent_path());
-    std::ofstream(path).flush();
-    fs::permissions(path, fs::perms::owner_all);
+    writeScript(path, "");
   }
 
   static void linkItself(const fs::path& path) {
@@ -44,7 +43,7 @@ TEST_F(SystemTool, IsTheFirstInPathBehindThisProgram) {
   fs::create_symlink("../adapter/tool", "chain/tool");
   fs::create_directories("directory/tool");
   fs::create_directory("text");
-  std::ofstream("text/tool") << "#!/bin/sh\n";
+  writeFile("text/tool", "#!/bin/sh\n");
   const struct {
     const char* path;
     const char* tool;
