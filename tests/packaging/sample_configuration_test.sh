@@ -23,26 +23,23 @@ ChangesNothing() {
 }
 
 HoldsEveryKeyOnce() {
-  # Each key, and what a run of the program shows when its value is the other one.
-  local changes=(debugConfFile=true numPings=3 iperfTestTime=3 pingTestServer=true
-    debugPrintPing=true debugPrintHistory=true doPingTests=false doIperf3Tests=false outputFormat=2)
-  # The program reads these, too, and a run never shows it.
-  local silent=(debugPrintIperf=false debugPrintLast=true doIperf2Tests=true)
   run_as without
 
-  local change
-  for change in "${changes[@]}" "${silent[@]}"; do
+  # Each key, and what a run of the program shows when its value is the other one.
+  local change changes=(debugConfFile=true numPings=3 iperfTestTime=3 pingTestServer=true
+    debugPrintPing=true debugPrintHistory=true doPingTests=false doIperf3Tests=false outputFormat=2)
+  for change in "${changes[@]}"; do
     sed "s/^${change%=*}=.*/$change/" "$packaging/connTester.conf" >"$installation/connTester.conf"
-    expect_file <(grep -c . "$installation/connTester.conf") <<<12
-    grep -qx "$change" "$installation/connTester.conf" || fail "the sample has no ${change%=*}"
     run_as changed
-
-    if [[ " ${silent[*]} " == *" $change "* ]]; then
-      expect_same /tmp/without /tmp/changed
-    elif cmp -s /tmp/without /tmp/changed; then
-      fail "$change shows nowhere"
-    fi
+    ! cmp -s /tmp/without /tmp/changed || fail "$change shows nowhere"
   done
+  # The program reads these, too, and a run never shows it.
+  expect_file <(grep -v -f <(printf '^%s=\n' "${changes[@]%=*}") "$packaging/connTester.conf") <<'END'
+debugPrintIperf=true
+debugPrintLast=false
+doIperf2Tests=false
+END
+  expect_file <(cut -d = -f 1 "$packaging/connTester.conf" | sort | uniq -d) </dev/null
 }
 
 run_test "$@"
