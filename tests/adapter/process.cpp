@@ -192,14 +192,14 @@ void Process::awaitFullOutput() const {
   }
 }
 
-std::string Process::end() {
+std::string Process::end() const {
   int status = 0;
   EXPECT_EQ(waitpid(process, &status, 0), process);
   return WIFSIGNALED(status) ? "killed by signal " + std::to_string(WTERMSIG(status))
                              : "exit status " + std::to_string(WEXITSTATUS(status));
 }
 
-std::string Process::result() {
+std::string Process::result() const {
   std::string text = readOutput();
   text += readErrors();
   return text += end();

@@ -55,9 +55,9 @@ class Process {
   void awaitFullOutput() const;
 
   /// Waits for the end: "exit status 0", "killed by signal 15".
-  std::string end();
+  std::string end() const;
   /// The rest of both outputs, then the end.
-  std::string result();
+  std::string result() const;
 
  private:
   pid_t process = -1;
