@@ -80,13 +80,15 @@ MakesALinkAndAConfigurationForEverybody() {
 644 connTester.conf
 755 Qelmora
 END
+  remember_folder
+  make
+  expect_folder_as_it_was
 }
 
 RemovesWhatItHasMadeAndNothingElse() {
   prepare
 
   for_each_case expect_folder_after <<END
-make; make                                   | Qelmora connTester.conf iperf3>$adapter record
 make; remove                                 |
 make; unlink                                 | Qelmora connTester.conf record
 make; unlink; make                           | Qelmora connTester.conf iperf3>$adapter record

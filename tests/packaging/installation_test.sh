@@ -103,6 +103,7 @@ PutsAllOfThemBehindDestdir() {
     printf '%s\n' "$files" | sed 's|^|tmp/usr/|'
     printf 'usr/local/bin/Qelmora/%s\n' .made-by-connTester connTester.conf iperf3)
   expect_nothing_left
+  expect_file <(readlink "$DESTDIR$installation/iperf3") <<<"$programs/iperf3-adapter/iperf3"
   uninstall
   expect_silent_success
   expect_file <(find /tmp/stage -mindepth 1 ! -path /tmp/stage/tmp ! -path /tmp/stage/usr | sort) <<'END'
@@ -120,10 +121,11 @@ LeavesTheUsersFiles() {
   remember_folder
 
   install_tester
+  touch "$programs/mine"
   uninstall
 
   expect_silent_success
-  expect_file <(list_files "$prefix") <<<$'bin/mine\nshare/doc/conntester/mine'
+  expect_file <(list_files "$prefix") <<<$'bin/mine\nlibexec/connTester/mine\nshare/doc/conntester/mine'
   expect_folder_as_it_was
 }
 

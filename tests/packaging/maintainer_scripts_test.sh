@@ -54,6 +54,7 @@ install_package; remove_package                        | .made-by-connTester Qel
 install_package; purge_package                         |
 install_package; remove_package; truncate -s -1 $record; maintain postrm purge |
 install_package; touch $installation/mine; purge_package | Qelmora mine
+install_without_fixed_paths; mkdir $installation; maintain postinst configure; purge_package | Qelmora
 END
 }
 
@@ -104,9 +105,13 @@ SayWhatStaysWhereItCannotBeWritten() { # --unprivileged
   chmod a-w "$installation"
   remember_folder
 
-  run_script prerm remove
-  expect_status 0
-  expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
+  local script
+  for script in 'postinst configure' 'prerm remove'; do
+    # shellcheck disable=SC2086 # two words
+    run_script $script
+    expect_status 0
+    expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
+  done
   run_script postrm purge
   expect_status 0
   expect_file /tmp/fake/errors <<<"connTester: $installation stays: it cannot be written"
