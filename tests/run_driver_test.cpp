@@ -134,9 +134,8 @@ TEST_F(RunDriver, AsksForTheSwitchesAnewBeforeTheReverseDirectionAndTheResultLin
     ConfigurationParameters = {};
     fakeHost.onCommand = [&last](const std::string& command) {
       play(command);
-      if (commands().back() == last) {
-        ConfigurationParameters.doIperf3Tests = false;
-      }
+      bool& isOn = ConfigurationParameters.doIperf3Tests;
+      isOn = isOn && commands().back() != last;
     };
 
     console([] { run({"connTester", "10.0.0.5"}); });

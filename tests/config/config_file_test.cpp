@@ -82,14 +82,14 @@ class ConfigLine : public RunFixture {
     }
   }
 
-  /// Expects that each number with each of `values` throws, and changes nothing.
-  template <typename Error>
-  static void expectErrors(std::initializer_list<std::string> values) {
+  /// Expects that each number with each of `values` ends by `exception`, and changes nothing.
+  static void expectErrors(const std::string& exception,
+                           std::initializer_list<std::string> values) {
     for (const std::string key : {"numPings", "iperfTestTime", "outputFormat"}) {
       for (const std::string& value : values) {
         SCOPED_TRACE(testing::Message() << key << "=" << value);
 
-        EXPECT_THROW(applyConfigLine(key + "=" + value, 1), Error);
+        EXPECT_EQ(endingOf([&] { applyConfigLine(key + "=" + value, 1); }), exception);
         EXPECT_EQ(changes(), "");
       }
     }
@@ -229,9 +229,9 @@ TEST_F(ConfigLine, TakesTheNumberThatItsValueStartsWith) {
 }
 
 TEST_F(ConfigLine, ThrowsForAValueThatIsNoNumberOf32Bits) {
-  expectErrors<std::invalid_argument>({"", " ", "ten", "x5", "=5", "- 5", "+", "--5", ".5", "\r"});
-  expectErrors<std::out_of_range>(
-      {"2147483648", "-2147483649", "4294967297", "99999999999999999999", "-99999999999999999999"});
+  expectErrors("invalid_argument", {"", " ", "ten", "x5", "=5", "- 5", "+", "--5", ".5", "\r"});
+  expectErrors("out_of_range", {"2147483648", "-2147483649", "4294967297", "99999999999999999999",
+                                "-99999999999999999999"});
 }
 
 TEST_F(ConfigLine, SaysWhereWhatAndHowWhenItThrows) {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
@@ -62,6 +63,17 @@ void RunFixture::TearDown() {
   std::filesystem::remove_all(directory);
   if (configured_) {
     std::filesystem::remove_all(kConfigPath);
+  }
+}
+
+std::string RunFixture::endingOf(const std::function<void()>& step) {
+  try {
+    step();
+    return "returns";
+  } catch (const std::invalid_argument&) {
+    return "invalid_argument";
+  } catch (const std::out_of_range&) {
+    return "out_of_range";
   }
 }
 

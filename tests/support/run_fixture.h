@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
-#include <vector>
 
 /// Puts every global back to its start, sets the clock to 2026-11-16 05:40:00 UTC, and makes an
 /// empty directory with "logs/archive/" in it the working directory, LOG_PATH and LOG_PATH_ARCHIVE.
@@ -24,6 +24,9 @@ class RunFixture : public testing::Test {
     step();
     return testing::internal::GetCapturedStdout();
   }
+
+  /// How `step` ends: "returns", "invalid_argument" or "out_of_range".
+  static std::string endingOf(const std::function<void()>& step);
 
   /// Makes `text` the configuration file until the test ends.
   void configure(const std::string& text);
