@@ -81,7 +81,7 @@ print_named() {
       { end_row() }
       /^line [0-9]+$/ { first = last = $2 }
       { gsub(/\r/, "\\r") }
-      { print name ": " (length($0) > 500 ? "(a line of " length($0) " characters)" : $0) }
+      { print name ": " (length($0) > 1000 ? "(a line of " length($0) " characters)" : $0) }
       END { end_row() }' "$2"
     [[ -z $(tail -c 1 "$2") ]] || echo "$1: (no newline at the end)"
   fi
