@@ -82,14 +82,19 @@ class ConfigLine : public RunFixture {
     }
   }
 
+  static std::string endingBy(const std::string& line) {
+    return endingOf([&line] { applyConfigLine(line, 1); });
+  }
+
   /// Expects that each number with each of `values` ends by `exception`, and changes nothing.
   static void expectErrors(const std::string& exception,
                            std::initializer_list<std::string> values) {
     for (const std::string key : {"numPings", "iperfTestTime", "outputFormat"}) {
       for (const std::string& value : values) {
-        SCOPED_TRACE(testing::Message() << key << "=" << value);
+        const std::string line = key + "=" + value;
+        SCOPED_TRACE(line);
 
-        EXPECT_EQ(endingOf([&] { applyConfigLine(key + "=" + value, 1); }), exception);
+        EXPECT_EQ(endingBy(line), exception);
         EXPECT_EQ(changes(), "");
       }
     }

@@ -113,6 +113,13 @@ class Iperf3Json : public RunFixture {
               kStartText + "1 0 0 0 " + numbers);
   }
 
+  /// Has `extract` read the report into `status`; returns how that ended.
+  static std::string endingBy(Extractor extract, iperf3_status& status, std::string& printed) {
+    std::string ending;
+    printed = console([&] { ending = endingOf([&] { extract(kReportPath, status); }); });
+    return ending;
+  }
+
   /// Expects that reading `report` ends by `exception`, in either variant; prints and measures
   /// nothing, and closes its file.
   static void expectEnd(const std::string& exception, const std::string& report) {
@@ -120,11 +127,11 @@ class Iperf3Json : public RunFixture {
     writeFile(kReportPath, report);
     const long filesBefore = openFiles();
     iperf3_status status;
+    std::string printed;
 
     for (const Extractor extract : {iperf3JsonToCsvUnix, iperf3JsonToCsv}) {
-      std::string ending;
-      EXPECT_EQ(console([&] { ending = endingOf([&] { extract(kReportPath, status); }); }), "");
-      EXPECT_EQ(ending, exception);
+      EXPECT_EQ(endingBy(extract, status, printed), exception);
+      EXPECT_EQ(printed, "");
     }
 
     EXPECT_EQ(resultsText(), kNoResults);
@@ -136,8 +143,8 @@ class Iperf3Json : public RunFixture {
     writeFile(kReportPath, readFile(testData("iperf3/" + file)));
     outputResults = {};
     iperf3_status status;
-    std::string ending;
-    console([&] { ending = endingOf([&] { extract(kReportPath, status); }); });
+    std::string printed;
+    const std::string ending = endingBy(extract, status, printed);
     const Results& results = outputResults;
     return recordText(status) + " " +
            (results.writeRateValid ? std::to_string(results.writeRateBps) : "-") + " " +

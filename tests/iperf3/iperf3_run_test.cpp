@@ -60,7 +60,7 @@ std::string report(bool reverse, const std::string& rateSent = "943718412.345",
          "\t\"timesecs\":\t1605505183\n"
          "\t\"duration\":\t10,\n"
          "\t\"reverse\":\t" +
-         std::to_string(reverse) +
+         std::string(reverse ? "1" : "0") +
          ",\n"
          "\t\"sum_sent\":\t{\n"
          "\t\t\"bytes\":\t1180000000,\n"
