@@ -1,6 +1,7 @@
 #include "iperf2/iperf2_run.h"
 
 #include "run_state.h"
+#include "support/iperf_run.h"
 #include "support/iperf_texts.h"
 #include "support/results_text.h"
 #include "support/run_fixture.h"
@@ -8,7 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <climits>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -24,8 +24,9 @@ class Iperf2Run : public RunFixture {
     formatInto(ipaddr, "10.0.0.5");
   }
 
-  static std::string clientCommand(const std::string& options) {
-    return "/usr/bin/iperf -c " + options + " > " + logFile("iperf2_latest.log\n");
+  static std::string clientCommand(const std::string& address, int testTime) {
+    return "/usr/bin/iperf -c " + address + " -y C -t " + std::to_string(testTime) + " > " +
+           logFile("iperf2_latest.log\n");
   }
 
   static std::string appendCommand() {
@@ -35,30 +36,7 @@ class Iperf2Run : public RunFixture {
 };
 
 TEST_F(Iperf2Run, RunsTheClientAndAppendsAfterTheWait) {
-  const struct {
-    const char* address;
-    int testTime;
-    const char* options;
-  } cases[] = {{"10.0.0.5", 10, "10.0.0.5 -y C -t 10"},
-               {"10.0.0.5", 0, "10.0.0.5 -y C -t 0"},
-               {"10.0.0.5", -1, "10.0.0.5 -y C -t -1"},
-               {"10.0.0.5", INT_MAX, "10.0.0.5 -y C -t 2147483647"},
-               {"", 10, " -y C -t 10"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.options);
-    fakeHost.commands.clear();
-    fakeHost.sleeps.clear();
-    fakeHost.onCommand = [](const std::string& command) {
-      EXPECT_EQ(fakeHost.sleeps.size(), command.starts_with("cat ") ? 1U : 0U);
-    };
-    formatInto(ipaddr, "%s", c.address);
-    ConfigurationParameters.iperfTestTime = c.testTime;
-
-    exec_iperf2();
-
-    EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand(c.options), appendCommand()));
-    EXPECT_EQ(cmd, appendCommand());
-  }
+  expectClientWaitAndAppend(exec_iperf2, clientCommand, appendCommand());
 }
 
 TEST_F(Iperf2Run, ReplacesTheWindowsNameOfTheClientAndStampsItsStart) {
@@ -72,9 +50,8 @@ TEST_F(Iperf2Run, PrintsItsStartAndItsCommandWhenTraced) {
   ConfigurationParameters.debugConfFile = true;
   fakeHost.onCommand = [](const std::string&) { std::puts("(shell)"); };
 
-  EXPECT_EQ(console(exec_iperf2),
-            "iperf2 start time 20261116T054000\ncommand=" + clientCommand("10.0.0.5 -y C -t 10") +
-                "\n(shell)\n(shell)\n");
+  EXPECT_EQ(console(exec_iperf2), "iperf2 start time 20261116T054000\ncommand=" +
+                                      clientCommand("10.0.0.5", 10) + "\n(shell)\n(shell)\n");
 }
 
 TEST_F(Iperf2Run, PrintsItsHistoryCommandWithTheHistoryAndNothingElseUntraced) {

@@ -1,6 +1,7 @@
 #include "iperf3/iperf3_run.h"
 
 #include "run_state.h"
+#include "support/iperf_run.h"
 #include "support/iperf_texts.h"
 #include "support/results_text.h"
 #include "support/run_fixture.h"
@@ -8,7 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <climits>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -93,9 +93,9 @@ class Iperf3Run : public RunFixture, public testing::WithParamInterface<Directio
     return logFile(std::string("iperf3_history_") + GetParam().name + "_csv.log");
   }
 
-  static std::string clientCommand(const std::string& options = "10.0.0.5 -t 10") {
-    return "/usr/local/bin/Qelmora/iperf3 -c " + options + " -J  " + GetParam().option + " > " +
-           latestReport() + "\n";
+  static std::string clientCommand(const std::string& address = "10.0.0.5", int testTime = 10) {
+    return "/usr/local/bin/Qelmora/iperf3 -c " + address + " -t " + std::to_string(testTime) +
+           " -J  " + GetParam().option + " > " + latestReport() + "\n";
   }
   static std::string appendCommand() {
     return "cat " + latestPath() + " >> " + historyPath() + "\n";
@@ -128,30 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Iperf3Run, testing::Values(kForward, kReverse),
                          [](const auto& direction) { return direction.param.name; });
 
 TEST_P(Iperf3Run, RunsTheClientAndAppendsAfterTheWait) {
-  const struct {
-    const char* address;
-    int testTime;
-    const char* options;
-  } cases[] = {{"10.0.0.5", 10, "10.0.0.5 -t 10"},
-               {"10.0.0.5", 0, "10.0.0.5 -t 0"},
-               {"10.0.0.5", -1, "10.0.0.5 -t -1"},
-               {"10.0.0.5", INT_MAX, "10.0.0.5 -t 2147483647"},
-               {"", 10, " -t 10"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.options);
-    fakeHost.commands.clear();
-    fakeHost.sleeps.clear();
-    fakeHost.onCommand = [](const std::string& command) {
-      EXPECT_EQ(fakeHost.sleeps.size(), command.starts_with("cat ") ? 1U : 0U);
-    };
-    formatInto(ipaddr, "%s", c.address);
-    ConfigurationParameters.iperfTestTime = c.testTime;
-
-    run();
-
-    EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand(c.options), appendCommand()));
-    EXPECT_EQ(cmd, appendCommand());
-  }
+  expectClientWaitAndAppend([] { run(); }, clientCommand, appendCommand());
 }
 
 TEST_P(Iperf3Run, ReplacesTheWindowsNameOfTheClientAndStampsItsStart) {
