@@ -246,6 +246,7 @@ TEST_P(Iperf3Run, EndsWithoutALineOnAPortThatIsNotANumber) {
 
   EXPECT_THAT(fakeHost.commands, ElementsAre(clientCommand()));
   EXPECT_FALSE(fileExists(latestPath()));
+  EXPECT_EQ(filepath, latestReport());
 }
 
 }  // namespace
