@@ -10,14 +10,17 @@
 
 namespace {
 
-// Required: the names are built for any version, also for that which writes no such file.
+// Required (HistoryAppend.NamesVersionAndDirectionInBothFiles): the names are built for any
+// version, also for that which writes no such file.
 constexpr char kAppend[] = "cat %siperf%d_latest_%s_csv.log >> %siperf%d_history_%s_csv.log\n";
 constexpr char kAppendEcho[] = "history file command: %s\n";
 
-// Required: the verb brings a blank of its own, and a POSIX shell writes a file named "nul".
+// Required (ArchiveMove.NamesKindDirectionAndTheStampFromBefore): the verb brings a blank of its
+// own, and a POSIX shell writes a file named "nul".
 constexpr char kMoveVerb[] = "mv ";
 constexpr char kMove[] = "(%s \"%s\" \"%s%s_%s.log\") 2>nul\n";
-// Required: no quotes here, so that the shell splits a path at its blanks.
+// Required (ArchiveMove.KeepsABlankOfThePathTogetherForAllButTheResults): no quotes here, so that
+// the shell splits a path at its blanks.
 constexpr char kMoveResults[] = "%s %s %s%s_%s.log\n";
 
 /// Returns what the names of an archived history begin with, or null for one that is not known.
@@ -73,7 +76,8 @@ unsigned countLines(const char* path) {
 
 void writeDatedLogFile(TEST_TYPE type, const char* historyPath, unsigned iperfVersion,
                        bool reverse) {
-  // Required: without a name `cmd` keeps the command before, which then runs once more.
+  // Required (ArchiveMove.RunsTheCommandBeforeAgainForAnUnknownKind): without a name `cmd` keeps
+  // the command before, which then runs once more.
   if (const char* const name = archivedName(type, iperfVersion, reverse); name != nullptr) {
     formatInto(cmd, type == TEST_TYPE_RESULTS ? kMoveResults : kMove, kMoveVerb, historyPath,
                LOG_PATH_ARCHIVE, name, currentTimeStamp);

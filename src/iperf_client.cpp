@@ -23,6 +23,7 @@ void runIperfClient() {
     std::printf(kCommandTrace, cmd);
   }
   runCommand();
-  // Required: the client has already ended, and the run still waits for as long again.
+  // Required (IperfClient.RunsItsCommandSilentlyAndThenWaits): the client has already ended, and
+  // the run still waits for as long again.
   Delay(waitMs());
 }

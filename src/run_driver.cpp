@@ -52,14 +52,16 @@ void takeArguments(int argc, char** argv) {
   if (argc != 2 && argc != 3) {
     return;
   }
-  // Required: the last of one or two arguments; the first of two is ignored.
+  // Required (RunDriver.TakesTheLastOfOneOrTwoArgumentsAsTheAddress): the last of one or two
+  // arguments; the first of two is ignored.
   const char* const address = argv[argc - 1];
   const std::size_t length = std::strlen(address);
   if (length > kMaxAddressLength) {
     std::fprintf(stderr, kAddressTooLong, length, kMaxAddressLength);
     std::exit(kUsageStatus);
   }
-  // Required: no terminator is written, `ipaddr` starts out all zero.
+  // Required (RunDriver.CopiesTheAddressByItsOwnLengthWithoutATerminator): no terminator is
+  // written, `ipaddr` starts out all zero.
   std::copy_n(address, length, ipaddr);
 }
 

@@ -29,9 +29,12 @@ struct Configuration {
   std::int32_t numPings = 10;
   std::int32_t iperfTestTime = 10;  // seconds, for each iperf run
   bool debugPrintPing = false;
-  bool debugConfFile = false;   // Required: despite its name, traces the iperf steps
+  // Required (IperfClient.PrintsItsCommandFirstWhenTraced): despite its name, traces the iperf
+  // steps.
+  bool debugConfFile = false;
   bool pingTestServer = false;  // ping a public resolver instead of the server
-  bool debugPrintIperf = true;  // Required: no part reads it
+  // Required (IperfClient.IsNotTracedByAnyOtherSwitch): no part reads it.
+  bool debugPrintIperf = true;
   bool debugPrintLast = false;
   bool debugPrintHistory = false;
   bool doPingTests = true;

@@ -64,8 +64,8 @@ void takeNumber(const Setting& setting) {
   ConfigurationParameters.*Number = toNumber(setting, Configuration{}.*Number);
 }
 
-// Required: a switch only ever leaves its default, and doIperf2Tests, off by default, has only this
-// way: no line turns iperf2 on.
+// Required (ConfigLine.SwitchesIperf2OffOnly): a switch only ever leaves its default, and
+// doIperf2Tests, off by default, has only this way: no line turns iperf2 on.
 template <bool Configuration::*Flag>
 void switchOn(const Setting& setting) {
   if (setting.value.starts_with("true")) {
@@ -123,7 +123,8 @@ void applyConfigLine(const std::string& line, unsigned lineNumber) {
   if (equals == std::string::npos) {
     return;
   }
-  // Required: a key counts wherever it stands, in the value too, and the first of the table wins.
+  // Required (ConfigLine.HasTheFirstOfTwoKeysByTheOrderOfTheTable): a key counts wherever it
+  // stands, in the value too, and the first of the table wins.
   for (const Key& key : kKeys) {
     if (line.find(key.name) != std::string::npos) {
       key.effect({key.name, line.substr(equals + 1), lineNumber});

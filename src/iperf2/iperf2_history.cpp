@@ -17,7 +17,8 @@ constexpr char kHeading[] = "\n= IPERF2 history %d =============================
 void printReport(unsigned number, const iperf2_status& status) {
   std::printf(kHeading, static_cast<int>(number));
   printConnection(status);
-  // Required: the blank before the newline stands in the other line of the latest report's print.
+  // Required (Iperf2History.MovesAtTenReportsAfterTheyArePrinted): the blank before the newline
+  // stands in the other line of the latest report's print.
   std::printf("length %llu \n", status.length);
   std::printf("Bps %llu\n", status.bps);
 }

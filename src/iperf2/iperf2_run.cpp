@@ -25,7 +25,8 @@ constexpr char kHeading[] = "\n= IPERF2 latest =================================
 void printLatest(const iperf2_status& status) {
   std::fputs(kHeading, stdout);
   printConnection(status);
-  // Required: the blank before the newline stands in the other line of the history's print.
+  // Required (Iperf2Latest.IsPrintedWhenAskedFor): the blank before the newline stands in the other
+  // line of the history's print.
   std::printf("length %llu\n", status.length);
   std::printf("Bps %llu \n", status.bps);
 }
@@ -49,7 +50,8 @@ void exec_iperf2() {
   formatInto(cmd, kCommand, iperf2_prog.c_str(), ipaddr, ConfigurationParameters.iperfTestTime,
              LOG_PATH, kIperf2Latest);
   runIperfClient();
-  // Required: nothing writes the file that this appends; an empty history is what it leaves.
+  // Required (Iperf2Run.LeavesItsReportUnreadAndAnEmptyHistory): nothing writes the file that this
+  // appends; an empty history is what it leaves.
   read_latest_iperf_log_file(2, false);
 }
 

@@ -17,7 +17,8 @@ constexpr char kPathTrace[] = "iperf history file path is %s\n";
 constexpr char kCountTrace[] = "history file line count %d\n";
 constexpr char kHeading[] = "\n= IPERF3 history %d ====================================\n";
 
-// Required: only one of the two holds a blank before its last conversion; both take the same lines.
+// Required (Iperf3History.ScansItsNineColumns): only one of the two holds a blank before its last
+// conversion; both take the same lines.
 constexpr char kForwardScan[] = "%32[^,],%32[^,],%d,%32[^,],%d,%d,%32[^,],%llu, %lf";
 constexpr char kReverseScan[] = "%32[^,],%32[^,],%d,%32[^,],%d,%d,%32[^,],%llu,%lf";
 
@@ -42,7 +43,8 @@ bool scanLine(const std::string& line, bool reverse, iperf3_status& status) {
 void printLine(unsigned number, bool reverse, const iperf3_status& status) {
   std::printf(kHeading, static_cast<int>(number));
   printConnection(status);
-  // Required: a reverse line shows the received numbers, which the scan never fills.
+  // Required (Iperf3History.CountsEveryLineAndShowsThoseThatAreReports): a reverse line shows the
+  // received numbers, which the scan never fills.
   std::printf("length %llu \n", reverse ? status.lengthRcvd : status.lengthSent);
   std::printf("Bps %.0f\n", reverse ? status.bpsRcvd : status.bpsSent);
 }

@@ -120,7 +120,8 @@ void takeSums(std::istream& report, const Direction& direction, iperf3_status& s
     status.*direction.length = static_cast<unsigned long long>(std::stoll(*value));
   }
   if (const auto value = blockValue(block, "bits_per_second", '\t'); value) {
-    // Required: the rate is rounded to single precision, and std::cout loses its decimals for good.
+    // Required (Iperf3Json.TakesTheDecimalsFromTheStandardOutputStreamWithARate): the rate is
+    // rounded to single precision, and std::cout loses its decimals for good.
     status.*direction.bps = static_cast<double>(std::strtof(value->c_str(), nullptr));
     std::cout.precision(0);
   }
@@ -172,7 +173,8 @@ void iperf3JsonToCsv(const char* path, iperf3_status& status) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
-  // Required: the path is its own format, so that a "%" in it is interpreted.
+  // Required (Iperf3JsonOnWindows.TakesThePathAsAFormatOf127Characters): the path is its own
+  // format, so that a "%" in it is interpreted.
   formatInto(copy, path);
 #pragma GCC diagnostic pop
   readReport(copy, status);

@@ -16,8 +16,8 @@ namespace {
 
 constexpr char kClient[] = "/usr/local/bin/Qelmora/iperf3";
 constexpr char kStartTrace[] = "iperf3 start time %s direction %s\n";
-// Required: the option brings a blank of its own, so that three stand before the ">" of a forward
-// run and two before the "-R" of a reverse one.
+// Required (Iperf3Run.RunsTheClientAndAppendsAfterTheWait): the option brings a blank of its own,
+// so that three stand before the ">" of a forward run and two before the "-R" of a reverse one.
 constexpr char kCommand[] = "%s -c %s -t %d %s %s > %s%s\n";
 constexpr char kJsonOption[] = "-J ";
 

@@ -19,13 +19,15 @@ namespace {
 constexpr char kPublicResolver[] = "8.8.8.8";
 
 constexpr char kStartTrace[] = "ping start time %s\n";
-// Required: the separator brings blanks of its own, so that two stand on each side of the bar.
+// Required (PingRun.PingsTheServerOrAPublicResolverThroughTee): the separator brings blanks of its
+// own, so that two stand on each side of the bar.
 constexpr char kPingCommand[] = "ping %s %d %s %s %s%s\n";
 constexpr char kCountOption[] = "-c";
 constexpr char kIntoTee[] = " | tee ";
 constexpr char kCommandEcho[] = "ping cmd: %s\n";
 
-// Required: LOG_PATH ends in "/", so that the second path holds a doubled slash.
+// Required (PingSummary.IsReadAfterItsOutputIsAppendedToTheVerboseHistory): LOG_PATH ends in "/",
+// so that the second path holds a doubled slash.
 constexpr char kAppendCommand[] = "cat %s%s >> %s/%s\n";
 constexpr char kPositionsTrace[] = "= found at: %zu, ms found at: %zu\n";
 constexpr char kSummaryTrace[] = "ping min = %f avg = %f max = %f stddev = %f\n";
@@ -35,8 +37,9 @@ constexpr std::size_t kFieldWidth = 16;
 constexpr char kSummaryScan[] = "%16[^/]/%16[^/]/%16[^/]/%16[^/]";
 
 /// Returns the text between the "=" at `equals`, with the blank after it, and the first " ms" of
-/// the line. Required: without a " ms" behind the "=", the difference wraps and the rest of the
-/// line is taken; a line that ends in "=" throws.
+/// the line. Required (PingSummary.IsCutBetweenTheFirstEqualsSignAndTheFirstMs): without a " ms"
+/// behind the "=", the difference wraps and the rest of the line is taken; a line that ends in "="
+/// throws.
 std::string summaryText(const std::string& line, std::size_t equals) {
   const std::size_t ms = line.find(" ms");
   if (ConfigurationParameters.debugPrintPing) {
@@ -64,7 +67,8 @@ void handleSummary(const std::string& line, std::size_t equals, ping_status& sta
   if (ConfigurationParameters.debugPrintPing) {
     std::printf(kSummaryTrace, status.min, status.avg, status.max, status.stddev);
   }
-  // Required: a summary that was not understood still counts as a measured latency.
+  // Required (PingSummary.ThatIsNotFourNumbersCountsAsZero): a summary that was not understood
+  // still counts as a measured latency.
   recordLatency(status.avg);
   write_ping_history_log_file(status);
 }

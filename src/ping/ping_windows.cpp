@@ -13,12 +13,14 @@
 
 namespace {
 
-// Required: LOG_PATH ends in a separator already.
+// Required (WindowsPing.IsReadFromARealOutputInItsOwnFileOnly): LOG_PATH ends in a separator
+// already.
 constexpr char kLatestPath[] = "%s\\%s";
 constexpr char kTrialPath[] = "/tmp/ping_latest.log";
 
 constexpr char kLineTrace[] = "line %d line=%s\n";
-constexpr int kLineTraceNumber = 564;  // Required: the same for every line
+// Required (WindowsPing.TracesEachLineAndEachPassWhenAskedTo): the same for every line.
+constexpr int kLineTraceNumber = 564;
 constexpr char kSummaryTrace[] = "ping min = %f avg = %f max = %f\n";
 
 /// A line shorter than the word that marks a summary.
@@ -41,7 +43,7 @@ void takeTime(std::string& line, double& timeMs, bool trace) {
   line.erase(0, equals + 2);
   const std::string time = line.substr(0, line.find("ms"));
   if (trace) {
-    // Required: the line is printed twice.
+    // Required (WindowsPing.TracesEachLineAndEachPassWhenAskedTo): the line is printed twice.
     std::printf("line:%s\nline:%s\ntime:%s\n", line.c_str(), line.c_str(), time.c_str());
   }
   timeMs = std::stoi(time);

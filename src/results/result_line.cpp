@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kConsoleLine[] =
     "Date = %s, Latency = %u ms, Write Transfer Rate = %llu %s, Read Transfer Rate = %llu %s\n";
-// Required: a blank stands before the newline.
+// Required (ResultLine.ShowsWholeRatesInTheConfiguredUnit): a blank stands before the newline.
 constexpr char kFileLine[] =
     "Date = %s, Latency = %s ms, Write Transfer Rate = %s %s, Read Transfer Rate = %s %s \n";
 
@@ -45,7 +45,8 @@ void clearResults() {
   outputResults.writeRateBps = 0;
   outputResults.readRateBps = 0;
   outputResults.latencyMs = 0;
-  // Required: only the first character goes, the rest of the stamp stays.
+  // Required (ResultLine.IsThereAndTheRecordClearedBeforeTheHistoryMoves): only the first character
+  // goes, the rest of the stamp stays.
   outputResults.dateTime[0] = '\0';
 }
 
