@@ -5,7 +5,7 @@
 # A test breaks something, before a run or at some moment of it, and compares what the run shows, how
 # long it takes and what its files hold with expected/TEST.run. There a stamp is TIME, a number other
 # than 0 is #. The tests are short: two pings, two seconds for each direction, two seconds of grace. With
-# FAULTS=long the settings are the defaults, and each test prints how long its run took.
+# FAULTS=long the settings are the defaults, and each test prints how many seconds its run took.
 source "$(dirname "${BASH_SOURCE[0]}")/../packaging/library.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/two_machines.sh"
 
@@ -79,7 +79,7 @@ expect_run() {
   local most=$1
   if [[ ${FAULTS-} == long ]]; then
     most=$longest_run
-    echo "took $seconds s"
+    echo "| \`${row^}\` | $seconds |"
   fi
   print_run >/tmp/fake/run
   if [[ $# == 2 ]] && cmp --quiet "$networks/expected/$2.run" /tmp/fake/run; then
