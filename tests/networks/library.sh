@@ -26,7 +26,7 @@ during_test() {
 # Runs the tester and notes how many seconds it took.
 measure() {
   local start=${EPOCHREALTIME/./}
-  run "$1"
+  run start_command "$1"
   seconds=$(((${EPOCHREALTIME/./} - start) / 1000000))
 }
 

@@ -108,7 +108,7 @@ IsSharedByTwoUsers() {
   shorten_tests 4
   start_server
   mkdir /tmp/home/other
-  during_test 1 env HOME=/tmp/home/other "${tester[@]}" $server >/tmp/fake/other 2>&1
+  during_test 1 env HOME=/tmp/home/other "$prefix/bin/connTester" $server >/tmp/fake/other 2>&1
 
   measure $server
 

@@ -65,7 +65,7 @@ ShowWhatARunPrints() {
   # The run has no wait to speak of then, and shows it nowhere.
   configure iperfTestTime=-1
 
-  run 192.0.2.10
+  run start_command 192.0.2.10
 
   expect_status 0
   expect_file <(without_tools /tmp/fake/console | without_values) < <(example | without_values)

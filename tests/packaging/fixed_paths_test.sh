@@ -3,7 +3,10 @@
 source "$(dirname "$0")/library.sh"
 
 adapter=$programs/iperf3-adapter/iperf3
-tester=("$programs/fixed-paths")
+
+fixed_paths() {
+  exec "$programs/fixed-paths" "$@"
+}
 
 # The program in an installation that has not made them, on a machine without the folder.
 prepare() {
@@ -15,28 +18,26 @@ prepare() {
 # to succeed; what it says is kept.
 
 call() {
-  run "$1"
+  run "$@"
   expect_status 0
   expect_file /tmp/fake/console </dev/null
   cat /tmp/fake/errors >>/tmp/fake/said
 }
 
 make() {
-  call make
+  call fixed_paths make
 }
 
 unlink() {
-  call unlink
+  call fixed_paths unlink
 }
 
 remove() {
-  call remove
+  call fixed_paths remove
 }
 
-# Does the same by the script of another installation.
 another() {
-  local tester=(/tmp/other/libexec/connTester/fixed-paths)
-  "$1"
+  call /tmp/other/libexec/connTester/fixed-paths "$1"
 }
 
 # Does what an earlier version did: its link led to the system's iperf3, its record named no installation,
@@ -46,12 +47,6 @@ make_as_before() {
   ln -s /usr/bin/iperf3 Qelmora/iperf3
   cp "$packaging/connTester.conf" Qelmora
   printf 'folder\niperf3 /usr/bin/iperf3\nconfiguration' >Qelmora/.made-by-connTester
-}
-
-# Compares the names of the folder and of what it holds, of links with what they lead to.
-expect_folder() {
-  expect_file <(find Qelmora -printf '%f>%l\n' 2>/dev/null |
-    sed 's/>$//; s/.made-by-connTester/record/' | LC_ALL=C sort | paste -sd ' ') <<<"$1"
 }
 
 # Takes the steps $1 and compares the folder with $2, and with $3 what the script has said.
@@ -80,9 +75,9 @@ MakesALinkAndAConfigurationForEverybody() {
 644 connTester.conf
 755 Qelmora
 END
-  remember_folder
+  remember "$installation"
   make
-  expect_folder_as_it_was
+  expect_as_it_was "$installation"
 }
 
 RemovesWhatItHasMadeAndNothingElse() {
@@ -113,13 +108,13 @@ LeavesWhatIsThere() {
     rm -f Qelmora/*
     $write Qelmora/iperf3 <<<mine
     $write Qelmora/connTester.conf <<<mine
-    remember_folder
+    remember "$installation"
 
     make
     unlink
     remove
 
-    expect_folder_as_it_was
+    expect_as_it_was "$installation"
   done
   expect_file /tmp/fake/said </dev/null
 }
@@ -161,9 +156,9 @@ END
 SaysThatIperf3IsMissing() {
   prepare
   provide cp dirname grep ln mkdir mv readlink sh
-  tester=(env PATH=/tmp/bin "$programs/fixed-paths")
 
-  expect_folder_after make "Qelmora connTester.conf iperf3>$adapter record" \
+  expect_folder_after "call env PATH=/tmp/bin $programs/fixed-paths make" \
+    "Qelmora connTester.conf iperf3>$adapter record" \
     'iperf3 is not installed. Install it, or switch the tests with it off.'
 }
 
@@ -180,9 +175,8 @@ LinksNoIperf3OfTheWorkingDirectory() {
   rm "$adapter"
   provide cp dirname grep mkdir mv readlink sh
   cp "$support/fake_tool" iperf3
-  tester=(env PATH=.:/tmp/bin "$programs/fixed-paths")
 
-  run make
+  run env PATH=.:/tmp/bin "$programs/fixed-paths" make
 
   expect_status 1
   expect_file /tmp/fake/errors \
@@ -194,16 +188,16 @@ SaysThatTheFolderCannotBeWritten() { # --unprivileged
   prepare
   make
   chmod a-w "$installation"
-  remember_folder
+  remember "$installation"
 
   local command
   for command in make unlink remove; do
-    run "$command"
+    run fixed_paths "$command"
 
     expect_status 1
     expect_file /tmp/fake/errors <<<"connTester: cannot write in $installation"
   done
-  expect_folder_as_it_was
+  expect_as_it_was "$installation"
 }
 
 PutsDestdirBeforeThePaths() {
@@ -213,8 +207,7 @@ PutsDestdirBeforeThePaths() {
   make
 
   expect_silent_success
-  expect_no_folder
-  cd "/tmp/stage/usr/local/bin"
+  DESTDIR='' expect_folder ''
   expect_folder "Qelmora connTester.conf iperf3>$adapter record"
   remove
   expect_silent_success
@@ -227,11 +220,11 @@ RefusesOtherArguments() {
   local arguments
   for arguments in '' other 'make make'; do
     # shellcheck disable=SC2086 # several arguments
-    run $arguments
+    run fixed_paths $arguments
 
     expect_status 2
     expect_file /tmp/fake/errors <<<'usage: fixed-paths make | unlink | remove'
-    expect_no_folder
+    expect_folder ''
   done
 }
 

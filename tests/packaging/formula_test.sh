@@ -4,9 +4,11 @@ source "$(dirname "$0")/library.sh"
 
 HasNoFaultsOfSyntax() {
   need ruby
-  ruby -wc "$packaging/homebrew/conntester.rb" >/tmp/fake/checked 2>&1 || true
 
-  expect_file /tmp/fake/checked <<<'Syntax OK'
+  run ruby -wc "$packaging/homebrew/conntester.rb"
+
+  expect_file /tmp/fake/errors </dev/null
+  expect_file /tmp/fake/console <<<'Syntax OK'
 }
 
 run_test "$@"

@@ -4,12 +4,14 @@
 # shellcheck disable=SC2016 # what stands in single quotes is for others to expand
 source "$(dirname "$0")/library.sh"
 
-tester=("$packaging/in-session")
+in_session() {
+  exec "$packaging/in-session" "$@"
+}
 
 # A command that lasts, with a tool and a reader of it, and goes on when they have ended.
-lasting='echo $$ >/tmp/fake/session
-sh -c "echo >/tmp/fake/begun; read -r _ </tmp/fake/gate" | cat
-echo next'
+lasting="echo \$\$ >/tmp/fake/session
+sh -c '$wait_at_gate' | cat
+echo next"
 
 # A tool that has a summary to print when it is interrupted, as ping has.
 pinging='$SIG{INT} = sub { print "summary\n"; exit }; $| = 1; print "reply\n";
@@ -18,14 +20,13 @@ open my $gate, "<", "/tmp/fake/gate"; <$gate>'
 
 interrupted='connTester: interrupted: the run goes on with the next step; ^C again ends it'
 
-# Starts a session in the background, where bash leaves it its signals, and waits until it has begun.
 start_session() {
-  make_gate
-  set -m
-  "${tester[@]}" "$@" >/tmp/fake/console 2>/tmp/fake/errors 8>&- &
-  started=$!
-  set +m
-  wait_until_begun
+  start_up_to_gate in_session "$@"
+}
+
+# Prints the states of the processes in a session, as /proc has them, without those that are dead.
+states_in_session() {
+  cat /proc/[0-9]*/stat 2>/dev/null | sed -n "s/.*) \([^Z]\) [0-9]* [0-9]* $1 .*/\1/p"
 }
 
 # Whether nothing lives in the session whose leader is in the given file.
@@ -44,7 +45,7 @@ expect_end_by() {
 }
 
 PassesArgumentsOutputAndExitStatusThroughAndNoInput() {
-  run sh -c 'cat; printf "[%s]" "$@"; echo complaint >&2; exit 3' sh 'a  b' '' '*' <<<text
+  run in_session sh -c 'cat; printf "[%s]" "$@"; echo complaint >&2; exit 3' sh 'a  b' '' '*' <<<text
 
   expect_status 3
   expect_file /tmp/fake/console < <(printf '[a  b][][*]')
@@ -52,7 +53,7 @@ PassesArgumentsOutputAndExitStatusThroughAndNoInput() {
 }
 
 NeedsACommand() {
-  run
+  run in_session
 
   expect_status 2
   expect_file /tmp/fake/errors <<<'usage: in-session COMMAND [ARGUMENT...]'
@@ -65,7 +66,7 @@ MakesItsCommandTheLeaderOfASession() {
   local path
   # Without setsid in the second one.
   for path in "$PATH" /tmp/bin; do
-    PATH=$path run sh -c 'test "$(cut -d " " -f 6 "/proc/$$/stat")" = $$'
+    PATH=$path run in_session sh -c 'test "$(cut -d " " -f 6 "/proc/$$/stat")" = $$'
 
     expect_silent_success
   done
@@ -73,11 +74,11 @@ MakesItsCommandTheLeaderOfASession() {
 
 DiesByTheSignalThatItsCommandDiesBy() {
   need perl
-  tester=(perl -e 'exit 100 + (127 & system @ARGV)' "${tester[@]}")
 
   local signal
   for signal in ABRT KILL PIPE TERM; do
-    run sh -c "sleep 0.1; kill -$signal \$\$"
+    run perl -e 'exit 100 + (127 & system @ARGV)' \
+      "$packaging/in-session" sh -c "sleep 0.1; kill -$signal \$\$"
 
     expect_status "$((100 + $(kill -l "$signal")))"
     expect_file /tmp/fake/errors </dev/null
@@ -86,9 +87,9 @@ DiesByTheSignalThatItsCommandDiesBy() {
 
 DiesByASignalAlsoWhereItMaySetNoLimits() { # --untraced
   need strace
-  tester=(strace -f -o /dev/null -e trace=prlimit64 -e inject=prlimit64:error=EPERM "${tester[@]}")
 
-  run sh -c 'kill -TERM $$'
+  run strace -f -o /dev/null -e trace=prlimit64 -e inject=prlimit64:error=EPERM \
+    "$packaging/in-session" sh -c 'kill -TERM $$'
 
   expect_status 143
   expect_file /tmp/fake/errors </dev/null
@@ -97,7 +98,7 @@ DiesByASignalAlsoWhereItMaySetNoLimits() { # --untraced
 EndsWhatACommandThatIsKilledLeaves() {
   make_gate
 
-  run sh -c 'echo $$ >/tmp/fake/session; sh -c "read -r _ </tmp/fake/gate" & kill -KILL $$' 8>&-
+  run in_session sh -c 'echo $$ >/tmp/fake/session; sh -c "read -r _ </tmp/fake/gate" & kill -KILL $$' 8>&-
 
   expect_status 137
   expect_nothing_left
@@ -131,9 +132,7 @@ is_dead() {
 }
 
 IsEndedBeforeItsCommandLeadsTheSession() {
-  printf '#!/bin/sh\n%s\n' 'echo $$ >/tmp/fake/alone; echo >/tmp/fake/begun; read -r _ </tmp/fake/gate' \
-    >/tmp/bin/setsid
-  chmod +x /tmp/bin/setsid
+  replace setsid <<<"echo \$\$ >/tmp/fake/alone; $wait_at_gate"
   start_session true
 
   kill -TERM "$started"
@@ -144,9 +143,8 @@ IsEndedBeforeItsCommandLeadsTheSession() {
 
 DoesNotWaitForAZombie() {
   need perl
-  local unreaped='fork or sleep 600; setpgrp; open my $begun, ">", "/tmp/fake/begun";
-    print $begun "\n"; close $begun; open my $gate, "<", "/tmp/fake/gate"; <$gate>'
-  start_session sh -c 'perl -e "$1"; echo next' sh "$unreaped"
+  local unreaped='fork or sleep 600; setpgrp; system $ARGV[0]'
+  start_session sh -c 'perl -e "$@"; echo next' sh "$unreaped" "$wait_at_gate"
   SECONDS=0
 
   kill -TERM "$started"
@@ -167,15 +165,17 @@ GoesOnAfterAnInterrupt() {
   expect_file /tmp/fake/errors <<<"$interrupted"
 }
 
+interrupt_unread() {
+  in_session sh -c 'kill -INT "$PPID"; sleep 0.05; echo next' 2>&6
+}
+
 GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
-  mkfifo /tmp/fake/unread
-  exec 5<>/tmp/fake/unread
-  exec 6>/tmp/fake/unread 5<&-
+  exec 6> >(true)
+  wait "$!"
 
   local _
   for _ in {1..20}; do
-    status=0
-    "${tester[@]}" sh -c 'kill -INT "$PPID"; sleep 0.05; echo next' >/tmp/fake/console 2>&6 || status=$?
+    run interrupt_unread
 
     expect_status 0
     expect_file /tmp/fake/console <<<next
@@ -218,16 +218,10 @@ StopsAndContinuesTheSession() { # --untraced
 # it shows the given text: a key may throw away what it has not shown yet.
 start_on_terminal() {
   need script
-  make_gate
   mkfifo /tmp/fake/keys
   exec 7<>/tmp/fake/keys
   printf '%s\n' 'echo $$ >/tmp/fake/terminal' "exec $packaging/in-session $2" >/tmp/work/command
-  set -m
-  script --quiet --return --command 'exec sh /tmp/work/command' /dev/null \
-    <&7 >/tmp/fake/console 7>&- 8>&- &
-  started=$!
-  set +m
-  wait_until_begun
+  start_up_to_gate script --quiet --return --command 'exec sh /tmp/work/command' /dev/null <&7
   wait_until shows "$1"
 }
 

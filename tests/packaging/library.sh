@@ -1,4 +1,6 @@
 # shellcheck shell=bash
+# shellcheck disable=SC2034 # the scripts use what is not used here
+#
 # Functions for the tests of what is installed. A test script sources this file as it would source
 # that of the tests of the whole program, whose functions and machine it has, too.
 #
@@ -7,7 +9,6 @@
 # CTest sets BUILD_DIRECTORY and PROJECT_VERSION.
 source "$(dirname "${BASH_SOURCE[0]}")/../support/program.sh"
 
-# shellcheck disable=SC2034 # used by the scripts
 packaging=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../packaging" && pwd)
 prefix=/tmp/usr
 programs=$prefix/libexec/connTester
@@ -16,39 +17,38 @@ programs=$prefix/libexec/connTester
 machine_path=$PATH
 export PATH=/tmp/bin:$PATH
 
-# shellcheck disable=SC2034 # used by `run`
-tester=("$prefix/bin/connTester")
-
-# Runs what is tested, which a test may change, and notes what it prints and its exit status.
-run() {
-  status=0
-  "${tester[@]}" "$@" >/tmp/fake/console 2>/tmp/fake/errors || status=$?
+start_command() {
+  exec "$prefix/bin/connTester" "$@"
 }
 
+# Installs, with the options of cmake that are given.
 install_tester() {
-  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" >/tmp/fake/installation 2>&1 ||
+  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" "$@" >/tmp/fake/installation 2>&1 ||
     fail "the installation ended with status $?: $(cat /tmp/fake/installation)"
 }
 
 # Installs all that stands under the prefix, as a package does, on a machine without the program's fixed
 # folder.
 install_without_fixed_paths() {
-  cmake --install "$BUILD_DIRECTORY" --prefix "$prefix" --component program >/tmp/fake/installation
+  install_tester --component program
   rm -rf "$installation"
 }
 
-expect_no_folder() {
-  [[ ! -e $installation ]] || fail "the fixed folder is there, with $(names_in "$installation")"
+# Compares the names of the fixed folder and of what it holds, of links with what they lead to. The
+# record of what was made there is called so.
+expect_folder() {
+  expect_file <(find "${DESTDIR-}$installation" -printf '%f>%l\n' 2>/dev/null |
+    sed 's/>$//; s/.made-by-connTester/record/' | sort | paste -sd ' ') <<<"$1"
 }
 
-# Notes all that is in the fixed folder, for `expect_folder_as_it_was`.
-remember_folder() {
+# Notes all that is in a folder, for `expect_as_it_was`.
+remember() {
   rm -rf /tmp/before
-  cp -a "$installation" /tmp/before
+  cp -a "$1" /tmp/before
 }
 
-expect_folder_as_it_was() {
-  diff -r --no-dereference /tmp/before "$installation" || fail 'the fixed folder has changed'
+expect_as_it_was() {
+  diff -r --no-dereference /tmp/before "$1" || fail "$1 has changed"
 }
 
 # Puts a fake in the place of the program: it notes its arguments and runs, at its end, the shell
@@ -68,17 +68,11 @@ provide() {
   done
 }
 
-# Has `date` tell the given time. What may stand there is a link to the machine's own.
-stop_clock() {
-  rm -f /tmp/bin/date
-  printf '#!/bin/sh\nexec %s --date "%s" "$@"\n' "$(PATH=$machine_path command -v date)" "$1" \
-    >/tmp/bin/date
-  chmod +x /tmp/bin/date
-}
-
-# Prints the names in a folder, as `ls -A` does, whose system call not every proot knows.
-names_in() {
-  find "$1" -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort
+# Puts a shell script, which comes from standard input, in a tool's place.
+replace() {
+  rm -f "/tmp/bin/$1"
+  { echo '#!/bin/sh' && cat; } >"/tmp/bin/$1"
+  chmod +x "/tmp/bin/$1"
 }
 
 # Calls a command for each line of standard input, a case: its columns, with bars between them, are the
@@ -94,17 +88,35 @@ for_each_case() {
 }
 
 expect_silent_success() {
-  expect_status 0
-  expect_file /tmp/fake/console </dev/null
   expect_file /tmp/fake/errors </dev/null
+  expect_file /tmp/fake/console </dev/null
+  expect_status 0
 }
 
-# Makes two FIFOs: what a test starts in the background says in "begun" that it has begun, and reads
-# "gate" to last until `open_gate`, or until the test ends. It must not inherit file 8.
+# Starts a command in the background as the process `started`. It has its signals there, and none of
+# the files that a test keeps open.
+start() {
+  set -m
+  "$@" >/tmp/fake/console 2>/tmp/fake/errors 7>&- 8>&- 9>&- &
+  started=$!
+  set +m
+}
+
+# What the shell of a command does that lasts: it says by one FIFO that it has begun, and reads from
+# another until `open_gate`, or until the test ends.
+wait_at_gate='echo >/tmp/fake/begun; read -r _ </tmp/fake/gate'
+
 make_gate() {
   rm -f /tmp/fake/begun /tmp/fake/gate
   mkfifo /tmp/fake/begun /tmp/fake/gate
   exec 8<>/tmp/fake/gate
+}
+
+# Starts a command that comes to the gate.
+start_up_to_gate() {
+  make_gate
+  start "$@"
+  wait_until_begun
 }
 
 wait_until_begun() {
@@ -118,7 +130,6 @@ open_gate() {
 # Waits for the end of the process `started`, which has to end with status $1.
 expect_end() {
   status=0
-  # shellcheck disable=SC2154 # set by the caller
   wait "$started" || status=$?
   expect_status "$1"
 }
@@ -130,10 +141,4 @@ wait_until() {
     ((--tries > 0)) || fail "never came: $*"
     sleep 0.05
   done
-}
-
-# Prints the states of the processes in a session, as /proc has them, without those that are dead.
-states_in_session() {
-  cat /proc/[0-9]*/stat 2>/dev/null | sed 's/.*) //' |
-    awk -v session="$1" '$4 == session && $1 != "Z" { print $1 }'
 }

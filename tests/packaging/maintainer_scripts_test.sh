@@ -8,8 +8,7 @@ settings=$installation/connTester.conf
 # Runs a maintainer script with its arguments, as dpkg does.
 run_script() {
   sed "s|/usr/libexec|$prefix/libexec|" "$packaging/debian/$1" >/tmp/work/script
-  tester=(sh /tmp/work/script)
-  run "${@:2}"
+  run sh /tmp/work/script "${@:2}"
 }
 
 maintain() {
@@ -37,20 +36,20 @@ purge_package() {
 
 # With CMake, beside the package.
 install_another() {
-  cmake --install "$BUILD_DIRECTORY" --prefix /tmp/other >/tmp/fake/installation 2>&1
+  prefix=/tmp/other install_tester
 }
 
-# Takes the steps $1 and compares the names that are left in the fixed folder; without any, it has to be gone.
+# Takes the steps $1 and compares what is left of the fixed folder with $2.
 expect_left_after() {
   eval "$1"
 
-  expect_file <(find "$installation" -printf '%f\n' 2>/dev/null | LC_ALL=C sort | paste -sd ' ') <<<"${2-}"
+  expect_folder "${2-}"
   rm -rf /tmp/other
 }
 
 LeaveTheSettingsUntilThePurge() {
   for_each_case expect_left_after <<END
-install_package; remove_package                        | .made-by-connTester Qelmora connTester.conf
+install_package; remove_package                        | Qelmora connTester.conf record
 install_package; purge_package                         |
 install_package; remove_package; truncate -s -1 $record; maintain postrm purge |
 install_package; touch $installation/mine; purge_package | Qelmora mine
@@ -61,7 +60,7 @@ END
 LeaveTheSettingsThatCMakesInstallationShares() {
   for_each_case expect_left_after <<END
 install_package; install_another; echo numPings=3 >$settings; purge_package; grep -x numPings=3 $settings \
-                                                       | .made-by-connTester Qelmora connTester.conf
+                                                       | Qelmora connTester.conf record
 install_package; install_another; purge_package; /tmp/other/libexec/connTester/uninstall |
 END
 }
@@ -77,33 +76,33 @@ LeaveWhatIsNotThePackages() {
   for make in make_own install_another; do
     install_without_fixed_paths
     "$make"
-    remember_folder
+    remember "$installation"
 
     # It says that the link is another one's.
     run_script postinst configure
     expect_status 0
     purge_package
 
-    expect_folder_as_it_was
+    expect_as_it_was "$installation"
   done
 }
 
 LeaveAllToAnUpgrade() {
   install_package
-  remember_folder
+  remember "$installation"
 
   maintain prerm upgrade 1.0.0-2
-  expect_folder_as_it_was
+  expect_as_it_was "$installation"
   maintain postrm upgrade 1.0.0-2
   maintain postinst configure 1.0.0-1
 
-  expect_folder_as_it_was
+  expect_as_it_was "$installation"
 }
 
 SayWhatStaysWhereItCannotBeWritten() { # --unprivileged
   install_package
   chmod a-w "$installation"
-  remember_folder
+  remember "$installation"
 
   local script
   for script in 'postinst configure' 'prerm remove'; do
@@ -116,7 +115,7 @@ SayWhatStaysWhereItCannotBeWritten() { # --unprivileged
   expect_status 0
   expect_file /tmp/fake/errors <<<"connTester: $installation stays: it cannot be written"
 
-  expect_folder_as_it_was
+  expect_as_it_was "$installation"
 }
 
 run_test "$@"

@@ -4,12 +4,15 @@ source "$(dirname "$0")/library.sh"
 
 units=$prefix/lib/systemd/user
 
-# Installs, with a program that does $1, to where systemd, cron and launchd look for commands. They know
-# nothing else of the user than this.
+# Installs, with a program that does $1, to where systemd, cron and launchd look for commands.
 install_in_path() {
   install_fake_program "$1"
   ln -s "$prefix/bin/connTester" /usr/local/bin/connTester
-  tester=(env --ignore-environment HOME="$HOME" FAKE_DIR="$FAKE_DIR")
+}
+
+# Runs a command as they do, with the PATH $1. They know nothing else of the user than this.
+run_in_path() {
+  run env --ignore-environment HOME="$HOME" FAKE_DIR="$FAKE_DIR" PATH="$1" "${@:2}"
 }
 
 expect_one_run() {
@@ -18,9 +21,8 @@ expect_one_run() {
 }
 
 expect_valid() {
-  XDG_RUNTIME_DIR=/tmp/work systemd-analyze verify --user --man=no "$units/$1" >/tmp/fake/verified 2>&1 ||
-    fail "$(cat /tmp/fake/verified)"
-  expect_file /tmp/fake/verified </dev/null
+  XDG_RUNTIME_DIR=/tmp/work run systemd-analyze verify --user --man=no "$units/$1"
+  expect_silent_success
 }
 
 UnitsAreValid() {
@@ -53,7 +55,7 @@ ServiceRunsTheTesterAgainstItsInstance() {
   local command
   command=$(service_value ExecStart)
 
-  run PATH=/usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
+  run_in_path /usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
 
   expect_one_run
 }
@@ -63,7 +65,7 @@ ServiceRunsTheTesterAgainstItsInstance() {
 expect_service_end() {
   touch -d "$2 minutes ago" "$logs/connTester.lock"
 
-  run PATH=/usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "$(service_value ExecStopPost)"
+  run_in_path /usr/local/bin:/usr/bin:/bin EXIT_STATUS="$1" sh -c "$(service_value ExecStopPost)"
 
   expect_status "$3"
   expect_file /tmp/fake/errors </dev/null
@@ -89,7 +91,7 @@ cron_command() {
 CrontabLineRunsTheTesterSilentlyEveryHour() {
   install_in_path 'echo result'
 
-  run PATH=/usr/bin:/bin sh -c "$(cron_command)"
+  run_in_path /usr/bin:/bin sh -c "$(cron_command)"
 
   expect_one_run
   expect_file <(cut -d ' ' -f -5 "$packaging/cron/connTester.crontab") <<<'17 * * * *'
@@ -100,7 +102,7 @@ CrontabLineEndsARunThatTakesTooLong() {
   local command
   command=$(cron_command)
 
-  run PATH=/usr/bin:/bin sh -c "${command/ 600 / 1 }"
+  run_in_path /usr/bin:/bin sh -c "${command/ 600 / 1 }"
 
   expect_status 124
 }
@@ -120,7 +122,7 @@ run_agent() {
   need python3
   local arguments
   mapfile -t arguments < <(agent_value ProgramArguments | sed "s/^600\$/$1/")
-  run PATH=/usr/local/bin:/usr/bin:/bin "${arguments[@]}"
+  run_in_path /usr/local/bin:/usr/bin:/bin "${arguments[@]}"
 }
 
 LaunchdAgentRunsTheTesterEveryHour() {

@@ -8,8 +8,7 @@ run_as() {
   mkdir "$HOME"
   : >/tmp/fake/events
   set_clock '2026-11-16 05:40:00'
-  tester=(env PATH=/tmp/bin LD_PRELOAD="$FAKE_CLOCK" connTester)
-  run 10.0.0.5
+  run tester 10.0.0.5
   print_run >"/tmp/$1"
 }
 

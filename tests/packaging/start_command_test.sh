@@ -7,8 +7,8 @@ note_traces() {
   { find /tmp/home | sort && cat /tmp/fake/events; } >"/tmp/fake/$1"
 }
 
-# Runs with the arguments behind the first two. The command has to end with status $1 and the message
-# $2, and to start and make nothing.
+# Runs the command behind the first two arguments. It has to end with status $1 and the message $2, and
+# to start and make nothing.
 expect_refusal() {
   note_traces before
 
@@ -26,10 +26,9 @@ StartsItsProgramInTheLogDirectory() {
   mkdir /tmp/home/bin
   ln -s "$prefix/bin/connTester" /tmp/home/bin/link
   ln -s link /tmp/home/bin/connTester
-  tester=(/tmp/home/bin/connTester)
   umask 022
 
-  run 192.168.1.10
+  run /tmp/home/bin/connTester 192.168.1.10
 
   expect_status 3
   expect_file /tmp/fake/console <<END
@@ -49,21 +48,22 @@ TakesEveryAddressAndNone() {
 
   local address
   for address in "${addresses[@]}"; do
-    run "$address"
+    run start_command "$address"
     expect_silent_success
   done
-  run
+  run start_command
   expect_silent_success
 
   expect_file /tmp/fake/events < <(printf 'connTester [%s]\n' "${addresses[@]}" && echo connTester)
 }
 
-# Runs with each of the array `texts`, in two locales. All have to be refused with the message $1.
+# Runs the command $2 with each text behind it, in two locales. All have to be refused with the message
+# $1.
 expect_texts_refused() {
   local text locale
-  for text in "${texts[@]}"; do
+  for text in "${@:3}"; do
     for locale in C C.UTF-8; do
-      LC_ALL=$locale expect_refusal 2 "$1" "$text"
+      LC_ALL=$locale expect_refusal 2 "$1" "$2" "$text"
     done
   done
 }
@@ -71,26 +71,26 @@ expect_texts_refused() {
 RefusesWhatNoAddressCanBe() {
   install_fake_program 'exit 0'
   # shellcheck disable=SC2016 # none is to be expanded
-  texts=('' ' ' -h -- -c '10.0.0.5 ' ' 10.0.0.5' $'10.0.0.5\n' $'10.0.0.5\nid' $'10.0.0.5\t'
+  local texts=('' ' ' -h -- -c '10.0.0.5 ' ' 10.0.0.5' $'10.0.0.5\n' $'10.0.0.5\nid' $'10.0.0.5\t'
     '10.0.0.5;id' '10.0.0.5&id' '10.0.0.5|id' '`id`' '$(id)' '$HOME' 'a>b' 'a<b' 'a*' 'a?' 'a[b]'
     'a{b}' 'a(b)' 'a\b' "a'b" 'a"b' 'a#b' 'a!b' 'a~b' '~' 'a^b' 'a=b' 'a,b' 'a/b' 'a@b' 'a+b'
     $'a\x7f' $'a\e[m' 'é.example' $'\xff')
 
   expect_texts_refused 'this is no IP address or host name: those hold only letters, digits and '\
-'. : - _ %, and begin with no "-" (usage: connTester [ADDRESS])'
+'. : - _ %, and begin with no "-" (usage: connTester [ADDRESS])' start_command "${texts[@]}"
 }
 
 RefusesASecondArgument() {
   install_fake_program 'exit 0'
 
   expect_refusal 2 'one address is enough, these are 2 arguments (usage: connTester [ADDRESS])' \
-    --help 192.168.1.10
+    start_command --help 192.168.1.10
 }
 
 PrintsItsHelpAndItsVersion() {
   install_fake_program 'exit 0'
 
-  run --help
+  run start_command --help
 
   expect_status 0
   expect_file /tmp/fake/errors </dev/null
@@ -111,27 +111,26 @@ Status     0 the run has ended, whatever it measured; 2 nothing was measured;
            75 nothing was measured, because another run of yours is in progress
 Manual     man connTester, man connTester.conf
 END
-  run --version
+  run start_command --version
   expect_status 0
   expect_file /tmp/fake/console <<<"connTester $PROJECT_VERSION"
   expect_file /tmp/fake/events </dev/null
 }
 
-# Runs with a text as HOME, or with what env makes of it.
-run_at_home() {
-  env "$1" "$prefix/bin/connTester"
+# Has env make something of HOME before.
+start_at_home() {
+  exec env "$1" "$prefix/bin/connTester"
 }
 
 RefusesAHomeThatAShellWouldNotTakeAsItIs() {
   install_fake_program 'exit 0'
   # shellcheck disable=SC2016 # none is to be expanded
-  texts=('x$(id>/tmp/pwn)' '`id`' 'a;id' 'a&id' 'a|id' '$USER' 'a b' $'a\tb' $'a\nb' $'a\n'
+  local texts=('x$(id>/tmp/pwn)' '`id`' 'a;id' 'a&id' 'a|id' '$USER' 'a b' $'a\tb' $'a\nb' $'a\n'
     'a"b' "a'b" 'a\b' 'a*' 'a?' '[a]' '{a}' '(a)' 'a<b' 'a>b' 'a#b' 'a!b' '~a' 'a^b' $'a\x7f' $'a\e[m')
   texts=(--unset=HOME HOME= HOME=. HOME=home 'HOME=~' "${texts[@]/#/HOME=/tmp/}")
-  tester=(run_at_home)
 
   expect_texts_refused 'HOME has to hold the whole path of your home directory, of letters, digits and'\
-' / . , : + - = _ @ % alone'
+' / . , : + - = _ @ % alone' start_at_home "${texts[@]}"
 }
 
 WritesBelowEveryPlainHome() {
@@ -141,7 +140,7 @@ WritesBelowEveryPlainHome() {
   local home
   for home in /tmp/home/{jörg,ТЕСТ,à,a.b,c_d,e-f,-,g+h,i@j,k:l,m%n,o=p,q/r/,s//t,u/..}; do
     mkdir -p "$home"
-    HOME=$home run 192.168.1.10
+    HOME=$home run start_command 192.168.1.10
 
     expect_status 0
     expect_file /tmp/fake/errors </dev/null
@@ -156,7 +155,7 @@ expect_refusal_after() {
   mkdir "$HOME"
   eval "$1"
 
-  expect_refusal 2 "$2" 192.168.1.10
+  expect_refusal 2 "$2" start_command
 }
 
 RefusesAPlaceWhereItCannotWrite() {
@@ -176,12 +175,17 @@ SaysThatTheDiskIsFull() { # --small-disk
   touch "$HOME/Library/Logs/Qelmora/connTester.lock"
   cat /dev/zero >/tmp/disk/filler 2>/dev/null || true
 
-  expect_refusal 2 'cannot write /tmp/disk/Library/Logs/Qelmora/connTester.lock: No space left on device'
+  expect_refusal 2 'cannot write /tmp/disk/Library/Logs/Qelmora/connTester.lock: No space left on device' \
+    start_command
+}
+
+not_yours() {
+  echo "not yours, or a link to what is not: $1 (remove it, or make it yours)"
 }
 
 # Prepares what the shell commands $1 say, and has to be refused for the owner of $2.
 expect_not_own() {
-  expect_refusal_after "$1" "not yours, or a link to what is not: $2 (remove it, or make it yours)"
+  expect_refusal_after "$1" "$(not_yours "$2")"
 }
 
 RefusesWhatBelongsToAnotherUser() { # --other-users
@@ -207,10 +211,12 @@ END
 
 LeavesTheHomeToRoot() { # --other-users
   install_fake_program 'exit 0'
-  tester=(setpriv --reuid 4711 --clear-groups "${tester[@]}")
+  make_log_directories
+  chown 4711 /tmp/home/Library
+  chmod 755 /tmp/home
 
-  expect_not_own 'make_log_directories; chown 4711 /tmp/home/Library; chmod 755 /tmp/home' \
-    /tmp/home/Library/Logs
+  expect_refusal 2 "$(not_yours /tmp/home/Library/Logs)" \
+    setpriv --reuid 4711 --clear-groups "$prefix/bin/connTester"
 }
 
 RefusesWhatIsNeitherAFileNorADirectory() {
@@ -230,7 +236,7 @@ LeavesADirectoryInPlaceOfAFileAlone() {
   install_fake_program 'exit 3'
   mkdir -p "$logs"/{nul,ping_history.log}
 
-  run 192.168.1.10
+  run start_command 192.168.1.10
 
   expect_status 3
 }
@@ -240,7 +246,7 @@ FollowsLinksOfItsUserAlsoToNothing() {
   mkdir /tmp/own
   ln -s /tmp/own /tmp/home/Library
 
-  run 192.168.1.10
+  run start_command 192.168.1.10
 
   expect_silent_success
   expect_file <(find /tmp/own -mindepth 1 -printf '%P\n' | sort) <<'END'
@@ -249,7 +255,7 @@ Logs/Qelmora
 Logs/Qelmora/connTester.lock
 END
   ln -sf /tmp/nothing "$logs/connTester.lock"
-  run 192.168.1.10
+  run start_command 192.168.1.10
   expect_silent_success
   [[ -s /tmp/nothing ]] || fail 'the link was not followed'
 }
@@ -263,7 +269,7 @@ KeepsTheLogDirectoryForItsUserAlone() {
   install_fake_program 'exit 0'
   umask 000
 
-  run 192.168.1.10
+  run start_command 192.168.1.10
 
   expect_modes <<'END'
 700 Library
@@ -272,7 +278,7 @@ KeepsTheLogDirectoryForItsUserAlone() {
 600 Library/Logs/Qelmora/connTester.lock
 END
   find /tmp/home -mindepth 1 -exec chmod 777 {} +
-  run 192.168.1.10
+  run start_command 192.168.1.10
   expect_modes <<'END'
 777 Library
 777 Library/Logs
@@ -281,68 +287,71 @@ END
 END
 }
 
-# Starts a run at a known time that lasts until the gate opens, and waits until its program has begun.
-# What it does in place of the program may be given.
+began='2026-11-20 17:42:10'
+
+# Starts a run by the command $1 at that time, and waits until its program has begun.
 start_long_run() {
-  make_gate
-  install_fake_program "${1:-echo >/tmp/fake/begun; read -r _ </tmp/fake/gate}"
-  stop_clock '2026-11-20 17:42:10'
-  "${tester[@]}" 10.0.0.5 8>&- &
-  started=$!
-  wait_until_begun
+  replace date <<<"exec $(command -v date) --date '$began' \"\$@\""
+  start_up_to_gate "$1" 10.0.0.5
 }
 
+# This and the next take the start command where none is given.
 expect_busy() {
-  expect_refusal 75 "$1" 10.0.0.6
+  expect_refusal 75 "$1" "${2-start_command}" 10.0.0.6
 }
 
 # A run after the others is let in, and this fake program does nothing.
 expect_free() {
   rm /tmp/fake/connTester.end
-  run 10.0.0.7
+  run "${1-start_command}" 10.0.0.7
   expect_silent_success
 }
 
 expect_one_run_at_a_time() {
-  start_long_run
+  install_fake_program "$wait_at_gate"
+  start_long_run "$1"
 
-  expect_busy "another run of yours is in progress, as process $started since 2026-11-20 17:42:10"
+  expect_busy "another run of yours is in progress, as process $started since $began" "$1"
 
   open_gate
   expect_end 0
-  expect_free
+  expect_free "$1"
   expect_file /tmp/fake/events <<<$'connTester [10.0.0.5]\nconnTester [10.0.0.7]'
 }
 
 LetsInOneRunAtATime() {
-  expect_one_run_at_a_time
+  expect_one_run_at_a_time start_command
 }
 
 LetsInOneRunAtATimeWithoutProc() { # --without-proc
-  expect_one_run_at_a_time
+  expect_one_run_at_a_time start_command
 }
 
-take_flock_away() {
+provide_all_but_flock() {
   need perl
-  provide cat chmod date dirname env grep mkdir perl readlink sh sleep tr
-  tester=(env PATH=/tmp/bin "$prefix/bin/connTester")
+  provide cat chmod dirname grep mkdir perl readlink sh sleep tr
+}
+
+start_without_flock() {
+  PATH=/tmp/bin start_command "$@"
 }
 
 LetsInOneRunAtATimeWithPerlInPlaceOfFlock() {
-  take_flock_away
+  provide_all_but_flock
 
-  expect_one_run_at_a_time
+  expect_one_run_at_a_time start_without_flock
 }
 
 TellsEachOfManyWhichRunIsInProgress() {
-  start_long_run
+  install_fake_program "$wait_at_gate"
+  start_long_run start_command
   open_gate
   expect_end 0
   local runs=({1..30})
 
   local number
   for number in "${runs[@]}"; do
-    "${tester[@]}" 10.0.0.6 2>"/tmp/fake/errors.$number" 8>&- &
+    start_command 10.0.0.6 2>"/tmp/fake/errors.$number" 8>&- &
   done
   wait_until_begun
   for number in "${runs[@]:1}"; do
@@ -353,37 +362,38 @@ TellsEachOfManyWhichRunIsInProgress() {
 
   local winner
   read -r winner _ <"$logs/connTester.lock"
-  local message="another run of yours is in progress, as process $winner since 2026-11-20 17:42:10"
+  local message="another run of yours is in progress, as process $winner since $began"
   expect_file <(cat /tmp/fake/errors.*) < <(printf "connTester: $message\n%.0s" "${runs[@]:1}")
   open_gate
   wait
 }
 
 expect_no_lock() {
-  tester=("$@" "${tester[@]}")
-  expect_refusal_after "mkdir -p $logs; touch $logs/connTester.lock" \
-    "cannot lock $logs/connTester.lock with flock or perl: $reason"
+  expect_refusal 2 "cannot lock $logs/connTester.lock with flock or perl: $1" "${@:2}"
 }
 
 SaysWhyItCannotLock() { # --untraced
   need strace
   install_fake_program 'exit 0'
-  local reason='No locks available'
+  provide_all_but_flock
+  make_log_directories
+  touch "$logs/connTester.lock"
+  local fail_to_lock=(strace -f -o /dev/null -e trace=flock -e inject=flock:error=ENOLCK)
+  local without_flock=(env PATH=/tmp/bin "$prefix/bin/connTester") reason
 
-  expect_no_lock strace -f -o /dev/null -e trace=flock -e inject=flock:error=ENOLCK
-  take_flock_away
-  expect_no_lock strace -f -o /dev/null -e trace=flock -e inject=flock:error=ENOLCK
+  expect_no_lock 'No locks available' "${fail_to_lock[@]}" "$prefix/bin/connTester"
+  expect_no_lock 'No locks available' "${fail_to_lock[@]}" "${without_flock[@]}"
   rm /tmp/bin/perl
   reason=$(PATH=/tmp/bin sh -c 'perl || true' 2>&1)
-  reason=${reason##*: } expect_no_lock
+  expect_no_lock "${reason##*: }" "${without_flock[@]}"
 }
 
 NamesWhatAKilledRunHasLeft() {
-  # shellcheck disable=SC2016 # their process ids
-  start_long_run 'echo $$ >/tmp/fake/program
-    sh -c "echo \$\$ >/tmp/fake/tool; echo >/tmp/fake/begun; read -r _ </tmp/fake/gate"; exit'
-  local killed='a run of yours, begun 2026-11-20 17:42:10, was killed, and of its processes these are'
-  killed+=' left, which end by their time limit:'
+  install_fake_program "echo \$\$ >/tmp/fake/program
+    sh -c 'echo \$\$ >/tmp/fake/tool; $wait_at_gate'; exit"
+  start_long_run start_command
+  local killed="a run of yours, begun $began, was killed, and of its processes these are left, which end"
+  killed+=' by their time limit:'
   local program tool
   program="connTester $(cat /tmp/fake/program)"
   tool="sh $(cat /tmp/fake/tool)"
@@ -407,7 +417,7 @@ hold_lock() {
 
 # Has process $1 in the lock's file, which does not hold the lock as a run does.
 expect_unseen() {
-  echo "$1 2026-11-20 17:42:10" >"$logs/connTester.lock"
+  echo "$1 $began" >"$logs/connTester.lock"
   expect_busy 'another run of yours is in progress, or tools are left of one, as processes that cannot'\
 ' be seen from here'
 }
@@ -424,40 +434,23 @@ NamesNoProcessThatIsDeadWithoutProc() { # --without-proc
   NamesNoProcessThatIsDead
 }
 
-# These have something else open where a run has its lock.
-
-open_lock() {
-  exec 9>>"$logs/connTester.lock"
-}
-
-hold_another_lock() {
-  exec 9>>/tmp/fake/another.lock
-  flock 9
-}
-
 NamesNoProcessThatDoesNotHoldTheLock() {
   hold_lock
 
+  # Each has something else open where a run has its lock.
   local other
-  for other in open_lock hold_another_lock; do
-    make_gate
-    { "$other" && echo >/tmp/fake/begun && read -r _ </tmp/fake/gate; } 7>&- 8>&- &
-    wait_until_begun
-    expect_unseen "$!"
+  for other in "exec 9>>$logs/connTester.lock" 'exec 9>>/tmp/fake/another.lock; flock 9'; do
+    start_up_to_gate sh -c "$other; $wait_at_gate"
+    expect_unseen "$started"
     open_gate
-    wait
+    expect_end 0
   done
 }
 
 # Starts a run that finds the lock taken, and waits until it is about to try again.
 start_run_that_waits() {
-  make_gate
-  rm -f /tmp/bin/sleep
-  printf '%s\n' '#!/bin/sh' 'echo >/tmp/fake/begun' 'read -r _ </tmp/fake/gate' >/tmp/bin/sleep
-  chmod +x /tmp/bin/sleep
-  "${tester[@]}" 10.0.0.5 2>/tmp/fake/errors 7>&- 8>&- 9>&- &
-  started=$!
-  wait_until_begun
+  replace sleep <<<"$wait_at_gate"
+  start_up_to_gate start_command 10.0.0.5
 }
 
 TriesAgainWhenTheLockIsLetGo() {
@@ -476,16 +469,17 @@ LooksAgainWhoHasTakenTheLock() {
   exec 9>&7
   start_run_that_waits
 
-  echo "$$ 2026-11-20 17:42:10" >"$logs/connTester.lock"
+  echo "$$ $began" >"$logs/connTester.lock"
 
   open_gate
   expect_end 75
   expect_file /tmp/fake/errors \
-    <<<"connTester: another run of yours is in progress, as process $$ since 2026-11-20 17:42:10"
+    <<<"connTester: another run of yours is in progress, as process $$ since $began"
 }
 
 EndsItsProgramAndToolsAtATermination() {
-  start_long_run 'sh -c "echo >/tmp/fake/begun; read -r _ </tmp/fake/gate"; exit'
+  install_fake_program "sh -c '$wait_at_gate'; exit"
+  start_long_run start_command
 
   kill -TERM "$started"
 
@@ -498,10 +492,7 @@ KeepsThePingsThatCameBackBeforeAnInterrupt() { # --own-network
   rm /tmp/bin/ping
   need ping
   configure numPings=600 doIperf3Tests=false
-  set -m
-  "${tester[@]}" 127.0.0.1 >/tmp/fake/console 2>/tmp/fake/errors &
-  started=$!
-  set +m
+  start start_command 127.0.0.1
   wait_until grep --quiet --no-messages seq=1 "$logs/ping_latest.log"
 
   kill -INT "$started"
