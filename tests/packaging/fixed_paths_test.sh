@@ -200,20 +200,6 @@ SaysThatTheFolderCannotBeWritten() { # --unprivileged
   expect_as_it_was "$installation"
 }
 
-PutsDestdirBeforeThePaths() {
-  prepare
-  export DESTDIR=/tmp/stage
-
-  make
-
-  expect_silent_success
-  DESTDIR='' expect_folder ''
-  expect_folder "Qelmora connTester.conf iperf3>$adapter record"
-  remove
-  expect_silent_success
-  expect_folder ''
-}
-
 RefusesOtherArguments() {
   prepare
 

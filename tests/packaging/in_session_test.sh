@@ -13,11 +13,6 @@ lasting="echo \$\$ >/tmp/fake/session
 sh -c '$wait_at_gate' | cat
 echo next"
 
-# A tool that has a summary to print when it is interrupted, as ping has.
-pinging='$SIG{INT} = sub { print "summary\n"; exit }; $| = 1; print "reply\n";
-open my $begun, ">", "/tmp/fake/begun"; print $begun "\n"; close $begun;
-open my $gate, "<", "/tmp/fake/gate"; <$gate>'
-
 interrupted='connTester: interrupted: the run goes on with the next step; ^C again ends it'
 
 start_session() {
@@ -153,18 +148,6 @@ DoesNotWaitForAZombie() {
   ((SECONDS < 4)) || fail "it took $SECONDS seconds"
 }
 
-GoesOnAfterAnInterrupt() {
-  need perl
-  start_session sh -c 'perl -e "$1" | tee /tmp/fake/copy; echo next' sh "$pinging"
-
-  kill -INT "$started"
-
-  expect_end 0
-  expect_file /tmp/fake/console <<<$'reply\nsummary\nnext'
-  expect_file /tmp/fake/copy <<<$'reply\nsummary'
-  expect_file /tmp/fake/errors <<<"$interrupted"
-}
-
 interrupt_unread() {
   in_session sh -c 'kill -INT "$PPID"; sleep 0.05; echo next' 2>&6
 }
@@ -180,18 +163,6 @@ GoesOnAfterAnInterruptWhoseMessageNobodyReads() {
     expect_status 0
     expect_file /tmp/fake/console <<<next
   done
-}
-
-IsEndedByASecondInterrupt() {
-  start_session sh -c "$lasting"
-
-  kill -INT "$started"
-  wait_until test -s /tmp/fake/errors
-  kill -INT "$started"
-
-  expect_end_by INT
-  expect_file /tmp/fake/console </dev/null
-  expect_file /tmp/fake/errors <<<"$interrupted"
 }
 
 # Whether all of the session is in one of the given states.
@@ -245,7 +216,12 @@ start_lasting_on_terminal() {
 
 GoesOnAfterTheInterruptKey() {
   need perl
-  echo "$pinging" >/tmp/work/pinging
+  # It has a summary to print when it is interrupted, as ping has.
+  cat >/tmp/work/pinging <<'END'
+$SIG{INT} = sub { print "summary\n"; exit }; $| = 1; print "reply\n";
+open my $begun, ">", "/tmp/fake/begun"; print $begun "\n"; close $begun;
+open my $gate, "<", "/tmp/fake/gate"; <$gate>
+END
   start_on_terminal reply "sh -c 'perl /tmp/work/pinging | tee /tmp/fake/copy; echo next'"
 
   press '\003'

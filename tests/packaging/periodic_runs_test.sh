@@ -37,7 +37,7 @@ UnitsAreValid() {
 LockedDownServiceIsValidAndExposedLittle() {
   need systemd-analyze
   install_in_path 'exit 0'
-  install -D -m 644 "$prefix/share/connTester/locked-down.conf" "$units/connTester@.service.d/locked-down.conf"
+  install -D -m 644 -t "$units/connTester@.service.d" "$prefix/share/connTester/locked-down.conf"
 
   expect_valid connTester@.service
   XDG_RUNTIME_DIR=/tmp/work systemd-analyze security --user --offline=true --threshold=20 \
@@ -52,10 +52,8 @@ service_value() {
 
 ServiceRunsTheTesterAgainstItsInstance() {
   install_in_path 'exit 0'
-  local command
-  command=$(service_value ExecStart)
 
-  run_in_path /usr/local/bin:/usr/bin:/bin sh -c "${command//%i/192.168.1.10}"
+  run_in_path /usr/local/bin:/usr/bin:/bin sh -c "$(service_value ExecStart | sed s/%i/192.168.1.10/)"
 
   expect_one_run
 }
@@ -99,10 +97,8 @@ CrontabLineRunsTheTesterSilentlyEveryHour() {
 
 CrontabLineEndsARunThatTakesTooLong() {
   install_in_path 'sleep 60'
-  local command
-  command=$(cron_command)
 
-  run_in_path /usr/bin:/bin sh -c "${command/ 600 / 1 }"
+  run_in_path /usr/bin:/bin sh -c "$(cron_command | sed 's/ 600 / 1 /')"
 
   expect_status 124
 }
