@@ -18,13 +18,8 @@ HoldNoCommandThatIsNotTried() {
 HoldEachCommandThatIsTried() {
   local pattern
   while IFS= read -r pattern; do
-    "$documented_commands" "$pattern" >/tmp/fake/console || fail 'see above'
+    "$documented_commands" "$pattern" >/tmp/fake/console
   done < <(patterns)
-}
-
-# Prints the links of a document to other files.
-links() {
-  grep -oP '\]\(\K[^):#]+(?=[)#])' "$1"
 }
 
 LeadToNothingThatIsNotInstalled() {
@@ -32,10 +27,8 @@ LeadToNothingThatIsNotInstalled() {
   cd "$prefix/share/doc/conntester"
 
   local document link
-  for document in *.md docs/*.md; do
-    while IFS= read -r link; do
-      [[ -e $(dirname "$document")/$link ]] || fail "$document leads to $link, which is not there"
-    done < <(links "$document")
+  grep -oP '\]\(\K[^):#]+(?=[)#])' ./*.md docs/*.md | while IFS=: read -r document link; do
+    [[ -e $(dirname "$document")/$link ]] || fail "$document leads to $link, which is not there"
   done
 }
 

@@ -15,6 +15,7 @@ echo next"
 
 interrupted='connTester: interrupted: the run goes on with the next step; ^C again ends it'
 
+# Starts a session whose command comes to the gate.
 start_session() {
   start_up_to_gate in_session "$@"
 }

@@ -1,8 +1,7 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2034 # the scripts use what is not used here
 #
-# Functions for the tests of what is installed. A test script sources this file as it would source
-# that of the tests of the whole program, whose functions and machine it has, too.
+# Functions for the tests of what is installed, on top of those for all tests that run a program.
 #
 #   /tmp/usr  the prefix of the installation that a test makes
 #
@@ -34,8 +33,8 @@ install_without_fixed_paths() {
   rm -rf "$installation"
 }
 
-# Compares the names of the fixed folder and of what it holds, of links with what they lead to. The
-# record of what was made there is called so.
+# Compares the names of the fixed folder and of what it holds, of links with what they lead to. "record"
+# is the list of what was made there.
 expect_folder() {
   expect_file <(find "${DESTDIR-}$installation" -printf '%f>%l\n' 2>/dev/null |
     sed 's/>$//; s/.made-by-connTester/record/' | sort | paste -sd ' ') <<<"$1"

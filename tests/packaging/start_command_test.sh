@@ -262,7 +262,7 @@ END
 
 # Compares the modes of all that is below the home directory.
 expect_modes() {
-  expect_file <(find /tmp/home -mindepth 1 -printf '%m %P\n' | LC_ALL=C sort --key=2)
+  expect_file <(find /tmp/home -mindepth 1 -printf '%m %P\n' | sort --key=2)
 }
 
 KeepsTheLogDirectoryForItsUserAlone() {
