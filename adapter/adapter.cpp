@@ -4,7 +4,9 @@
 #include "system_tool.h"
 #include "time_limit.h"
 
+#include <poll.h>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -28,6 +30,12 @@ std::string describe(const std::string& tool, const Ending& ending, const TimeLi
   return "";
 }
 
+/// Whether a message can be written within `patience`. Where it goes, a pipe may be full.
+bool takesMessage(std::chrono::seconds patience) {
+  pollfd errors = {STDERR_FILENO, POLLOUT, 0};
+  return poll(&errors, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) == 1;
+}
+
 }  // namespace
 
 int standInFor(const Tool& tool, char** arguments, Filter filter) {
@@ -37,9 +45,7 @@ int standInFor(const Tool& tool, char** arguments, Filter filter) {
   const ToolRun run = startTool(tool.name, path, arguments, filter);
   const Ending ending = follow(run, limit);
   const std::string description = describe(tool.name, ending, limit);
-  if (!description.empty()) {
-    // Where nobody takes the message, a signal still ends this program.
-    sigprocmask(SIG_UNBLOCK, &run.signals, nullptr);
+  if (!description.empty() && takesMessage(limit.patience)) {
     complain(tool.name, description);
   }
   return endLike(run, ending);

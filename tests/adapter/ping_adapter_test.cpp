@@ -83,7 +83,7 @@ TEST_F(PingAdapter, LetsThePingGoOnThatHasClosedItsOutput) {
   fakeTool("echo first; exec >&-; read -r line; exit 3");
   Process process({adapter});
   EXPECT_EQ(process.readLine(), "first\n");
-  process.awaitEndOfChildren(1);
+  process.awaitEndOfFilter();
 
   process.writeInput("go on\n");
 

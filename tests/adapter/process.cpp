@@ -178,11 +178,8 @@ void Process::awaitSleepOfTool() const {
   awaitSleep(childrenOf(process).back());
 }
 
-void Process::awaitEndOfChildren(std::size_t count) const {
-  const std::vector<std::string> children = childrenOf(process);
-  for (std::size_t i = 0; i < count; ++i) {
-    awaitEnd(children.at(i));
-  }
+void Process::awaitEndOfFilter() const {
+  awaitEnd(childrenOf(process).front());
   awaitSleep(std::to_string(process));
 }
 

@@ -48,9 +48,8 @@ class Process {
   void stop() const;
   /// Waits until the tool, the program's last child, waits for something, or has ended.
   void awaitSleepOfTool() const;
-  /// Waits until the first `count` children of the program, of which the filter is the first, have
-  /// ended, and it has seen that.
-  void awaitEndOfChildren(std::size_t count) const;
+  /// Waits until the filter, the program's first child, has ended, and the program has seen that.
+  void awaitEndOfFilter() const;
   /// Waits until nothing more can be written to the output.
   void awaitFullOutput() const;
 
