@@ -4,8 +4,8 @@
 #include "system_tool.h"
 #include "time_limit.h"
 
-#include <poll.h>
 #include <string>
+#include <sys/select.h>
 #include <unistd.h>
 
 namespace {
@@ -32,8 +32,11 @@ std::string describe(const std::string& tool, const Ending& ending, const TimeLi
 
 /// Whether a message can be written within `patience`. Where it goes, a pipe may be full.
 bool takesMessage(std::chrono::seconds patience) {
-  pollfd errors = {STDERR_FILENO, POLLOUT, 0};
-  return poll(&errors, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) == 1;
+  fd_set errors;
+  FD_ZERO(&errors);
+  FD_SET(STDERR_FILENO, &errors);
+  timeval timeout = {patience.count(), 0};
+  return select(STDERR_FILENO + 1, nullptr, &errors, nullptr, &timeout) == 1;
 }
 
 }  // namespace
