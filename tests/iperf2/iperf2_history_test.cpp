@@ -95,19 +95,9 @@ TEST_F(Iperf2History, CountsALastLineWithoutItsNewline) {
 }
 
 TEST_F(Iperf2History, PrintsTextsOf32CharactersWhole) {
-  EXPECT_EQ(
-      report("dddddddddddddddddddddddddddddddd,cccccccccccccccccccccccccccccccc,-1,"
-             "ssssssssssssssssssssssssssssssss,-2,-3,tttttttttttttttttttttttttttttttt,0,-1\n"),
-      "\n= IPERF2 history 0 ====================================\n"
-      "date dddddddddddddddddddddddddddddddd\n"
-      "client ip cccccccccccccccccccccccccccccccc\n"
-      "server ip ssssssssssssssssssssssssssssssss\n"
-      "client tcp port -1\n"
-      "server tcp port -2\n"
-      "transfer ID -3\n"
-      "test time tttttttttttttttttttttttttttttttt\n"
-      "length 0 \n"
-      "Bps 18446744073709551615\n");
+  EXPECT_EQ(report(std::string(kLongColumns) + "0,-1\n"),
+            std::string("\n= IPERF2 history 0 ====================================\n") +
+                kLongConnection + "length 0 \nBps 18446744073709551615\n");
 }
 
 }  // namespace

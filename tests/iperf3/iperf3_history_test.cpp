@@ -136,18 +136,8 @@ TEST_P(Iperf3History, ScansItsNineColumns) {
 }
 
 TEST_P(Iperf3History, ShowsTextsOf32CharactersWhole) {
-  EXPECT_EQ(report("dddddddddddddddddddddddddddddddd,cccccccccccccccccccccccccccccccc,-1,"
-                   "ssssssssssssssssssssssssssssssss,-2,-3,tttttttttttttttttttttttttttttttt,4,5\n"),
-            framed(block(0,
-                         "date dddddddddddddddddddddddddddddddd\n"
-                         "client ip cccccccccccccccccccccccccccccccc\n"
-                         "server ip ssssssssssssssssssssssssssssssss\n"
-                         "client tcp port -1\n"
-                         "server tcp port -2\n"
-                         "transfer ID -3\n"
-                         "test time tttttttttttttttttttttttttttttttt\n",
-                         "length 4 \nBps 5\n"),
-                   1));
+  EXPECT_EQ(report(std::string(kLongColumns) + "4,5\n"),
+            framed(block(0, kLongConnection, "length 4 \nBps 5\n"), 1));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "iperf3/iperf3_status.h"
 
+#include "support/iperf_texts.h"
 #include "support/run_fixture.h"
 #include "text_buffer.h"
 
@@ -49,18 +50,12 @@ TEST_F(Iperf3Status, PrintsTextsOf32CharactersAndRatesWithoutDecimals) {
   copyInto(status.reverse, std::string(32, 'r'));
 
   EXPECT_EQ(console([&status] { printIperf3Status(status); }),
-            "date dddddddddddddddddddddddddddddddd\n"
-            "client ip cccccccccccccccccccccccccccccccc\n"
-            "server ip ssssssssssssssssssssssssssssssss\n"
-            "client tcp port -1\n"
-            "server tcp port -2\n"
-            "transfer ID -3\n"
-            "test time tttttttttttttttttttttttttttttttt\n"
-            "reverse rrrrrrrrrrrrrrrrrrrrrrrrrrrrrrrr\n"
-            "length sent 18446744073709551615 \n"
-            "Bps sent 943718402\n"
-            "length rcvd 1180000000 \n"
-            "Bps rcvd -inf\n");
+            std::string(kLongConnection) +
+                "reverse rrrrrrrrrrrrrrrrrrrrrrrrrrrrrrrr\n"
+                "length sent 18446744073709551615 \n"
+                "Bps sent 943718402\n"
+                "length rcvd 1180000000 \n"
+                "Bps rcvd -inf\n");
 }
 
 }  // namespace

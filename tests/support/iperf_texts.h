@@ -15,6 +15,19 @@ inline constexpr char kIperf2Connection[] =
     "transfer ID 3\n"
     "test time 0.0-10.0\n";
 
+/// The first seven columns of a line with texts of 32 characters, and what is printed of them.
+inline constexpr char kLongColumns[] =
+    "dddddddddddddddddddddddddddddddd,cccccccccccccccccccccccccccccccc,-1,"
+    "ssssssssssssssssssssssssssssssss,-2,-3,tttttttttttttttttttttttttttttttt,";
+inline constexpr char kLongConnection[] =
+    "date dddddddddddddddddddddddddddddddd\n"
+    "client ip cccccccccccccccccccccccccccccccc\n"
+    "server ip ssssssssssssssssssssssssssssssss\n"
+    "client tcp port -1\n"
+    "server tcp port -2\n"
+    "transfer ID -3\n"
+    "test time tttttttttttttttttttttttttttttttt\n";
+
 /// The lines that are kept of its directions by iperf3.
 inline constexpr char kForwardLine[] =
     "1605505183,192.168.1.20,54012,192.168.1.10,5201,0,10,1180000000,943718400,0,0\n";
