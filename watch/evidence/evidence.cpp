@@ -1,0 +1,295 @@
+#include "evidence/evidence.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace watch {
+
+namespace {
+
+constexpr int kMostReadings = 5;
+/// How far before `since` the histories are read, so that the first run of interest has neighbours.
+constexpr std::int64_t kMarginSeconds = 12 * 60 * 60;
+
+/// How the lines of a history are read and put into order.
+template <class Line>
+struct Format {
+  std::optional<Line> (*parse)(std::string_view);
+  /// Where the last line begins that may have followed on a cut one, or npos.
+  std::size_t (*findLast)(std::string_view);
+  /// When a line was written, in seconds that compare with each other.
+  std::optional<std::int64_t> (*time)(const Line&);
+  std::int64_t (*timeOfStamp)(LocalTime);
+};
+
+std::int64_t localSeconds(LocalTime stamp) {
+  return stamp.seconds;
+}
+std::int64_t epochSeconds(LocalTime stamp) {
+  return moments(stamp).first;
+}
+std::optional<std::int64_t> pingTime(const PingLine& line) {
+  return line.start.seconds;
+}
+std::optional<std::int64_t> testTime(const Iperf3Line& line) {
+  return line.start;
+}
+std::optional<std::int64_t> resultTime(const ResultLine& line) {
+  return line.date ? std::optional(line.date->seconds) : std::nullopt;
+}
+
+constexpr Format<PingLine> kPingFormat = {parsePingLine, lastPingLine, pingTime, localSeconds};
+constexpr Format<Iperf3Line> kForwardFormat = {parseForwardLine, lastIperf3Line, testTime,
+                                               epochSeconds};
+constexpr Format<Iperf3Line> kReverseFormat = {parseReverseLine, lastIperf3Line, testTime,
+                                               epochSeconds};
+constexpr Format<ResultLine> kResultFormat = {parseResultLine, lastResultLine, resultTime,
+                                              localSeconds};
+
+/// The lines of one file of a history.
+template <class Line>
+struct Part {
+  std::vector<Line> lines;
+  std::string name;
+  std::optional<LocalTime> stamp;
+  std::int64_t time = 0;
+  std::size_t fingerprint = 0;
+};
+
+template <class Line>
+class HistoryReader {
+ public:
+  HistoryReader(const LogDirectory& directory, const Format<Line>& format, Evidence& evidence)
+      : directory_(directory), format_(format), evidence_(evidence) {}
+
+  Lines<Line> read(const History& history, const std::vector<Archived>& archived) {
+    // The live file first: when it moves to the archive meanwhile, the archive has changed.
+    std::optional<Part<Line>> live = readPart(history.live, std::nullopt);
+    std::vector<Part<Line>> parts;
+    for (const Archived& file : archived) {
+      if (std::optional<Part<Line>> part = readPart(file.name, file.stamp)) {
+        parts.push_back(std::move(*part));
+      }
+    }
+    std::ranges::stable_sort(parts, {}, &Part<Line>::time);
+    Lines<Line> lines;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      if (i > 0 && isCopy(parts[i], parts[i - 1])) {
+        evidence_.troubles.push_back(
+            {parts[i].name, 0, "it holds the same as " + parts[i - 1].name});
+      } else {
+        append(lines, parts[i]);
+      }
+    }
+    if (live) {
+      append(lines, *live);
+    }
+    return lines;
+  }
+
+ private:
+  static bool isCopy(const Part<Line>& one, const Part<Line>& other) {
+    return one.fingerprint == other.fingerprint && !one.lines.empty() &&
+           one.lines.size() == other.lines.size();
+  }
+
+  static void append(Lines<Line>& lines, Part<Line>& part) {
+    lines.all.insert(lines.all.end(), std::make_move_iterator(part.lines.begin()),
+                     std::make_move_iterator(part.lines.end()));
+    if (part.stamp && !part.lines.empty()) {
+      lines.filled.push_back({lines.all.size() - 1, *part.stamp});
+    }
+  }
+
+  std::optional<Part<Line>> readPart(const std::string& name, std::optional<LocalTime> stamp) {
+    const std::optional<std::string> text = directory_.read(name, evidence_.troubles);
+    if (!text) {
+      return std::nullopt;
+    }
+    const auto file = static_cast<std::uint32_t>(evidence_.files.size());
+    evidence_.files.push_back(name);
+    Part<Line> part;
+    part.name = name;
+    part.stamp = stamp;
+    part.fingerprint = std::hash<std::string>()(*text);
+    part.lines.reserve(kFullHistoryLines);
+    eachLine(*text, [&](std::string_view line, std::uint32_t number) {
+      readLine(line, {file, number, number}, part.lines);
+    });
+    part.time = timeOf(part);
+    return part;
+  }
+
+  /// A line that followed on a cut one, or on one without a newline, is read all the same.
+  void readLine(std::string_view text, Source from, std::vector<Line>& lines) {
+    std::vector<Line> found;
+    while (!text.empty()) {
+      if (std::optional<Line> line = format_.parse(text)) {
+        line->from = from;
+        found.push_back(std::move(*line));
+        break;
+      }
+      const std::size_t last = format_.findLast(text);
+      std::optional<Line> line =
+          last == std::string_view::npos ? std::nullopt : format_.parse(text.substr(last));
+      if (!line) {
+        evidence_.troubles.push_back({evidence_.files[from.file], from.first,
+                                      found.empty() ? "it is no line of this history"
+                                                    : "it begins with a line that was cut"});
+        break;
+      }
+      line->from = from;
+      found.push_back(std::move(*line));
+      text = text.substr(0, last);
+    }
+    lines.insert(lines.end(), std::make_move_iterator(found.rbegin()),
+                 std::make_move_iterator(found.rend()));
+  }
+
+  /// The median time of the lines; without one, what the name tells; without that, the first of
+  /// all.
+  std::int64_t timeOf(const Part<Line>& part) const {
+    std::vector<std::int64_t> times;
+    for (const Line& line : part.lines) {
+      if (const auto time = format_.time(line)) {
+        times.push_back(*time);
+      }
+    }
+    if (times.empty()) {
+      return part.stamp ? format_.timeOfStamp(*part.stamp)
+                        : std::numeric_limits<std::int64_t>::min();
+    }
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::ranges::nth_element(times, middle);
+    return *middle;
+  }
+
+  const LogDirectory& directory_;
+  const Format<Line>& format_;
+  Evidence& evidence_;
+};
+
+void readHistories(const LogDirectory& directory, const Listing& listing, Evidence& evidence) {
+  evidence.results =
+      HistoryReader(directory, kResultFormat, evidence).read(kHistories[0], listing.of[0]);
+  evidence.reverse =
+      HistoryReader(directory, kReverseFormat, evidence).read(kHistories[1], listing.of[1]);
+  evidence.forward =
+      HistoryReader(directory, kForwardFormat, evidence).read(kHistories[2], listing.of[2]);
+  evidence.pings =
+      HistoryReader(directory, kPingFormat, evidence).read(kHistories[3], listing.of[3]);
+}
+
+/// Takes the lines of the log of outputs to their blocks.
+class OutputsReader {
+ public:
+  explicit OutputsReader(Evidence& evidence)
+      : evidence_(evidence), file_(static_cast<std::uint32_t>(evidence.files.size())) {
+    evidence.files.emplace_back(kPingVerbose);
+  }
+
+  void take(std::string_view line, std::uint32_t number) {
+    keep(blocks_.take(line, file_, number));
+  }
+  std::uint32_t end() {
+    keep(blocks_.end());
+    evidence_.keepsOutputs = true;
+    return blocks_.linesBefore();
+  }
+
+ private:
+  void keep(std::optional<PingOutput> output) {
+    if (output) {
+      evidence_.outputs.push_back(std::move(*output));
+    }
+  }
+
+  Evidence& evidence_;
+  std::uint32_t file_;
+  PingOutputReader blocks_;
+};
+
+void readOutputs(const LogDirectory& directory, Evidence& evidence) {
+  OutputsReader reader(evidence);
+  if (directory.readLines(
+          kPingVerbose, evidence.troubles,
+          [&](std::string_view line, std::uint32_t number) { reader.take(line, number); })) {
+    if (const std::uint32_t before = reader.end(); before > 0) {
+      evidence.troubles.push_back(
+          {kPingVerbose, 1, "the output that it belongs to has no beginning"});
+    }
+  }
+}
+
+/// Reads at least `count` outputs from the end of their log, if there are so many.
+void readLastOutputs(const LogDirectory& directory, std::size_t count, Evidence& evidence) {
+  constexpr std::size_t kUsualBytes = 1024;
+  for (std::size_t bytes = (count + 1) * kUsualBytes;; bytes *= 4) {
+    bool isWhole = false;
+    const auto text = directory.readEnd(kPingVerbose, bytes, isWhole, evidence.troubles);
+    if (!text) {
+      return;
+    }
+    evidence.outputs.clear();
+    OutputsReader reader(evidence);
+    eachLine(*text, [&](std::string_view line, std::uint32_t) { reader.take(line, 0); });
+    reader.end();
+    if (isWhole || evidence.outputs.size() >= count) {
+      return;
+    }
+  }
+}
+
+std::optional<Iperf3Report> readReport(const LogDirectory& directory, const char* name,
+                                       Troubles& troubles) {
+  const auto text = directory.read(name, troubles);
+  return text ? parseIperf3Report(*text) : std::nullopt;
+}
+
+Evidence readOnce(const LogDirectory& directory, const Listing& listing,
+                  std::optional<LocalTime> since) {
+  Evidence evidence;
+  readHistories(directory, listing, evidence);
+  if (since) {
+    readLastOutputs(directory, evidence.pings.all.size() + evidence.results.all.size(), evidence);
+  } else {
+    readOutputs(directory, evidence);
+  }
+  evidence.forwardReport = readReport(directory, kForwardFiles.report, evidence.troubles);
+  evidence.reverseReport = readReport(directory, kReverseFiles.report, evidence.troubles);
+  return evidence;
+}
+
+Evidence readUntilStable(const LogDirectory& directory, std::optional<LocalTime> since) {
+  Troubles troubles;
+  Listing listing = directory.list(since, troubles);
+  for (int reading = 1;; ++reading) {
+    Evidence evidence = readOnce(directory, listing, since);
+    troubles.clear();
+    Listing now = directory.list(since, troubles);
+    evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
+    if (now == listing) {
+      return evidence;
+    }
+    if (reading == kMostReadings) {
+      evidence.troubles.push_back({"archive/", 0, "it changed all the time while it was read"});
+      return evidence;
+    }
+    listing = std::move(now);
+  }
+}
+
+}  // namespace
+
+Evidence readEvidence(const LogDirectory& directory) {
+  return readUntilStable(directory, std::nullopt);
+}
+
+Evidence readEvidenceSince(const LogDirectory& directory, LocalTime since) {
+  return readUntilStable(directory, LocalTime{since.seconds - kMarginSeconds});
+}
+
+}  // namespace watch

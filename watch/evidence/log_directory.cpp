@@ -1,0 +1,196 @@
+#include "evidence/log_directory.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace watch {
+
+namespace {
+
+constexpr char kArchive[] = "archive/";
+constexpr std::string_view kEnding = ".log";
+constexpr std::size_t kChunk = 256 * 1024;
+
+/// An open file. A FIFO or a device, which could block, is refused.
+class OpenFile {
+ public:
+  OpenFile(const std::filesystem::path& path, const std::string& name, Troubles& troubles)
+      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+        name_(name),
+        troubles_(troubles) {
+    if (descriptor_ < 0) {
+      if (errno != ENOENT) {
+        fail(std::strerror(errno));
+      }
+    } else if (fstat(descriptor_, &status_) != 0 || !S_ISREG(status_.st_mode)) {
+      fail("it is no file");
+      close(descriptor_);
+      descriptor_ = -1;
+    }
+  }
+  ~OpenFile() {
+    if (descriptor_ >= 0) {
+      close(descriptor_);
+    }
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  bool isOpen() const { return descriptor_ >= 0; }
+  std::size_t size() const { return static_cast<std::size_t>(status_.st_size); }
+  void goTo(std::size_t place) { lseek(descriptor_, static_cast<off_t>(place), SEEK_SET); }
+
+  /// Returns how many bytes it has put to `buffer`: 0 at the end, and where reading fails.
+  std::size_t read(char* buffer, std::size_t capacity) {
+    const ssize_t count = ::read(descriptor_, buffer, capacity);
+    if (count < 0) {
+      fail(std::strerror(errno));
+    }
+    return count < 0 ? 0 : static_cast<std::size_t>(count);
+  }
+
+  /// Reads up to the end.
+  std::string rest(std::size_t expected) {
+    std::string text;
+    std::size_t length = 0;
+    std::size_t count = 0;
+    do {
+      length += count;
+      // One more, so that a file of the expected size ends with the second read.
+      text.resize(std::max(length + kReserve, expected + 1));
+      count = read(text.data() + length, text.size() - length);
+    } while (count > 0);
+    text.resize(length);
+    return text;
+  }
+
+ private:
+  static constexpr std::size_t kReserve = 512;
+
+  void fail(const char* why) { troubles_.push_back({name_, 0, why}); }
+
+  int descriptor_;
+  struct stat status_ {};
+  std::string name_;
+  Troubles& troubles_;
+};
+
+using Take = std::function<void(std::string_view, std::uint32_t)>;
+
+std::string_view withoutCarriageReturn(std::string_view line) {
+  if (line.ends_with('\r')) {
+    line.remove_suffix(1);
+  }
+  return line;
+}
+
+/// Gives the whole lines of `text` to `take`, and returns what is behind the last one.
+std::string_view takeWholeLines(std::string_view text, std::uint32_t& number, const Take& take) {
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+    take(withoutCarriageReturn(text.substr(0, end)), ++number);
+    text.remove_prefix(end + 1);
+  }
+  return text;
+}
+
+/// Returns the history of which `name` is an archived file, or nothing.
+std::optional<std::size_t> historyOf(std::string_view name) {
+  for (std::size_t kind = 0; kind < std::size(kHistories); ++kind) {
+    const std::string_view begin = kHistories[kind].archived;
+    if (name.starts_with(begin) && name.substr(begin.size()).starts_with('_') &&
+        name.ends_with(kEnding)) {
+      return kind;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<LocalTime> stampOf(std::string_view name, std::size_t kind) {
+  name.remove_prefix(std::strlen(kHistories[kind].archived) + 1);
+  name.remove_suffix(kEnding.size());
+  return parseStamp(name);
+}
+
+}  // namespace
+
+Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) const {
+  Listing listing;
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir((path_ / kArchive).c_str()), closedir);
+  if (folder == nullptr) {
+    if (errno != ENOENT) {
+      troubles.push_back({kArchive, 0, std::strerror(errno)});
+    }
+    return listing;
+  }
+  while (const dirent* const entry = readdir(folder.get())) {
+    const std::string_view name = entry->d_name;
+    if (const auto kind = historyOf(name)) {
+      const auto stamp = stampOf(name, *kind);
+      if (!since || !stamp || *stamp >= *since) {
+        listing.of[*kind].push_back({std::string(kArchive).append(name), stamp});
+      }
+    }
+  }
+  for (std::vector<Archived>& files : listing.of) {
+    std::ranges::sort(files, {}, &Archived::name);
+  }
+  return listing;
+}
+
+std::optional<std::string> LogDirectory::read(const std::string& name, Troubles& troubles) const {
+  OpenFile file(path_ / name, name, troubles);
+  return file.isOpen() ? std::optional(file.rest(file.size())) : std::nullopt;
+}
+
+std::optional<std::string> LogDirectory::readEnd(const std::string& name, std::size_t bytes,
+                                                 bool& isWhole, Troubles& troubles) const {
+  OpenFile file(path_ / name, name, troubles);
+  isWhole = !file.isOpen() || file.size() <= bytes;
+  if (!file.isOpen()) {
+    return std::nullopt;
+  }
+  if (!isWhole) {
+    file.goTo(file.size() - bytes);
+  }
+  return file.rest(std::min(bytes, file.size()));
+}
+
+bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const Take& take) const {
+  OpenFile file(path_ / name, name, troubles);
+  if (!file.isOpen()) {
+    return false;
+  }
+  std::string buffer;
+  std::size_t kept = 0;
+  std::uint32_t number = 0;
+  while (true) {
+    buffer.resize(kept + kChunk);
+    const std::size_t count = file.read(buffer.data() + kept, kChunk);
+    const std::string_view text(buffer.data(), kept + count);
+    const std::string_view rest = takeWholeLines(text, number, take);
+    if (count == 0) {
+      if (!rest.empty()) {
+        take(withoutCarriageReturn(rest), ++number);
+      }
+      return true;
+    }
+    kept = rest.size();
+    buffer.erase(0, text.size() - kept);
+  }
+}
+
+void eachLine(std::string_view text, const Take& take) {
+  std::uint32_t number = 0;
+  const std::string_view rest = takeWholeLines(text, number, take);
+  if (!rest.empty()) {
+    take(withoutCarriageReturn(rest), ++number);
+  }
+}
+
+}  // namespace watch

@@ -1,0 +1,70 @@
+// The log directory: which files it holds, and their lines. Only reads.
+#pragma once
+
+#include "evidence/trouble.h"
+#include "local_time.h"
+#include "log_files.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace watch {
+
+/// The histories that hold runs, in the order in which a run's lines are read: last written first,
+/// so that a run that goes on while they are read has no line without those before it.
+inline constexpr History kHistories[] = {kResultHistory, kReverseFiles.history,
+                                         kForwardFiles.history, kPingHistory};
+
+/// An archived file of a history.
+struct Archived {
+  /// Below the log directory: "archive/ping_history_20261121T050112.log".
+  std::string name;
+  /// What its name tells: the start of the run that filled it, or the moment of the move before in
+  /// that run. Nothing where it is no stamp.
+  std::optional<LocalTime> stamp;
+
+  bool operator==(const Archived&) const = default;
+};
+
+/// The archived files of each of kHistories, ordered by name.
+struct Listing {
+  std::vector<Archived> of[std::size(kHistories)];
+
+  bool operator==(const Listing&) const = default;
+};
+
+class LogDirectory {
+ public:
+  explicit LogDirectory(std::filesystem::path path) : path_(std::move(path)) {}
+
+  const std::filesystem::path& path() const { return path_; }
+
+  /// Lists the archive. With `since`, leaves out those whose name tells that they were full before.
+  Listing list(std::optional<LocalTime> since, Troubles& troubles) const;
+
+  /// Gives the file `name` to `take` as a whole. A file that is missing is nothing; one that can't
+  /// be read is a trouble.
+  std::optional<std::string> read(const std::string& name, Troubles& troubles) const;
+
+  /// Gives each line of the file `name` to `take`, without its end, from line 1 on. Returns whether
+  /// the file is there. Holds no more of it than the longest line.
+  bool readLines(const std::string& name, Troubles& troubles,
+                 const std::function<void(std::string_view, std::uint32_t)>& take) const;
+
+  /// Returns the last `bytes` of the file `name`, or all of a shorter one, which `isWhole` tells.
+  std::optional<std::string> readEnd(const std::string& name, std::size_t bytes, bool& isWhole,
+                                     Troubles& troubles) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// Gives each line of `text` to `take`, without its end, from line 1 on.
+void eachLine(std::string_view text,
+              const std::function<void(std::string_view, std::uint32_t)>& take);
+
+}  // namespace watch

@@ -1,0 +1,132 @@
+#include "local_time.h"
+
+#include "evidence/text.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <fmt/format.h>
+
+namespace watch {
+
+namespace {
+
+constexpr std::int64_t kDay = 24 * 60 * 60;
+
+/// The offset and how long it holds around the moment that was asked for last. Runs come in order
+/// of time, so that most questions have the answer of the one before.
+struct KnownOffset {
+  EpochSeconds from = 0;
+  EpochSeconds until = 0;
+  std::int32_t offset = 0;
+};
+
+std::int32_t askForOffset(EpochSeconds moment) {
+  const std::time_t time = moment;
+  std::tm parts{};
+  return localtime_r(&time, &parts) == nullptr ? 0 : static_cast<std::int32_t>(parts.tm_gmtoff);
+}
+
+std::optional<unsigned> digits(std::string_view text, std::size_t from, std::size_t count) {
+  const std::string_view part = text.substr(from, count);
+  return part.find_first_not_of("0123456789") == std::string_view::npos
+             ? wholeNumber<unsigned>(part)
+             : std::nullopt;
+}
+
+}  // namespace
+
+EpochSeconds Moments::nearest(EpochSeconds moment) const {
+  return std::llabs(second - moment) < std::llabs(first - moment) ? second : first;
+}
+
+std::int32_t utcOffset(EpochSeconds moment) {
+  // A stretch between two whole quarters of an hour has one offset: no zone has ever changed its
+  // clocks within one.
+  constexpr EpochSeconds kStretch = 15 * 60;
+  thread_local KnownOffset known;
+  if (moment < known.from || moment >= known.until) {
+    const EpochSeconds from = moment - ((moment % kStretch) + kStretch) % kStretch;
+    known = {from, from + kStretch, askForOffset(moment)};
+  }
+  return known.offset;
+}
+
+LocalTime localTime(EpochSeconds moment) {
+  return {moment + utcOffset(moment)};
+}
+
+Moments moments(LocalTime local) {
+  // A day before and a day after, the clock has been set at most once in between.
+  const std::int64_t before = local.seconds - askForOffset(local.seconds - kDay);
+  const std::int64_t after = local.seconds - askForOffset(local.seconds + kDay);
+  const bool beforeHolds = localTime(before) == local;
+  const bool afterHolds = localTime(after) == local;
+  if (beforeHolds && afterHolds) {
+    return {before, after};
+  }
+  return afterHolds ? Moments{after, after} : Moments{before, before};
+}
+
+Calendar calendar(LocalTime local) {
+  using std::chrono::days;
+  using std::chrono::floor;
+  const std::chrono::sys_seconds whole{std::chrono::seconds{local.seconds}};
+  const std::chrono::sys_days day = floor<days>(whole);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(whole - day);
+  return {static_cast<int>(date.year()),
+          static_cast<unsigned>(date.month()),
+          static_cast<unsigned>(date.day()),
+          static_cast<unsigned>(time.hours().count()),
+          static_cast<unsigned>(time.minutes().count()),
+          static_cast<unsigned>(time.seconds().count()),
+          std::chrono::weekday(day).c_encoding()};
+}
+
+LocalTime fromCalendar(const Calendar& calendar) {
+  const std::chrono::sys_days day = std::chrono::year(calendar.year) /
+                                    std::chrono::month(calendar.month) /
+                                    std::chrono::day(calendar.day);
+  return {day.time_since_epoch().count() * kDay + calendar.hour * 3600 + calendar.minute * 60 +
+          calendar.second};
+}
+
+std::optional<LocalTime> parseStamp(std::string_view text) {
+  if (text.size() != 15 || text[8] != 'T') {
+    return std::nullopt;
+  }
+  const auto year = digits(text, 0, 4);
+  const auto month = digits(text, 4, 2);
+  const auto day = digits(text, 6, 2);
+  const auto hour = digits(text, 9, 2);
+  const auto minute = digits(text, 11, 2);
+  const auto second = digits(text, 13, 2);
+  if (!year || !month || !day || !hour || !minute || !second || *hour > 23 || *minute > 59 ||
+      *second > 60) {
+    return std::nullopt;
+  }
+  const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(*year)),
+                                         std::chrono::month(*month), std::chrono::day(*day)};
+  if (!date.ok()) {
+    return std::nullopt;
+  }
+  return fromCalendar({static_cast<int>(*year), *month, *day, *hour, *minute, *second});
+}
+
+std::string isoLocal(EpochSeconds moment) {
+  const std::int32_t offset = utcOffset(moment);
+  const Calendar c = calendar({moment + offset});
+  const std::int32_t minutes = std::abs(offset) / 60;
+  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}{:02}:{:02}", c.year, c.month, c.day,
+                     c.hour, c.minute, c.second, offset < 0 ? '-' : '+', minutes / 60,
+                     minutes % 60);
+}
+
+std::string isoUtc(EpochSeconds moment) {
+  const Calendar c = calendar({moment});
+  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", c.year, c.month, c.day, c.hour,
+                     c.minute, c.second);
+}
+
+}  // namespace watch
