@@ -1,0 +1,116 @@
+#include "figures/period.h"
+
+#include <algorithm>
+
+namespace watch {
+
+namespace {
+
+bool isFinishedOrNamed(const Run& run) {
+  return !run.orphan;
+}
+
+/// Whether the run has tried to reach the server and nothing came back at all.
+bool hadNoConnection(const Run& run) {
+  return run.runClass == Class::failed && isFinishedOrNamed(run) &&
+         (run.write.state == RateState::noTest || run.ping.state == PingState::noReply);
+}
+
+}  // namespace
+
+Rhythm rhythmOf(std::span<const Run> runs) {
+  std::vector<EpochSeconds> times;
+  for (const Run& run : runs) {
+    if (run.time) {
+      times.push_back(*run.time);
+    }
+  }
+  return rhythmOf(times);
+}
+
+std::vector<std::optional<EpochSeconds>> placesInTime(std::span<const Run> runs) {
+  const Rhythm rhythm = rhythmOf(runs);
+  std::vector<std::optional<EpochSeconds>> places(runs.size());
+  std::optional<EpochSeconds> before;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    places[i] = runs[i].time;
+    if (!places[i] && before) {
+      places[i] = *before + rhythm.seconds;
+    }
+    before = places[i] ? places[i] : before;
+  }
+  std::optional<EpochSeconds> after;
+  for (std::size_t i = runs.size(); i-- > 0;) {
+    if (!runs[i].time && after) {
+      const EpochSeconds latest = *after - (places[i] ? 1 : rhythm.seconds);
+      places[i] = std::min(places[i].value_or(latest), latest);
+    }
+    after = places[i] ? places[i] : after;
+  }
+  return places;
+}
+
+std::span<const Run> runsIn(std::span<const Run> runs, const Period& period) {
+  if (!period.since && !period.until) {
+    return runs;
+  }
+  const std::vector<std::optional<EpochSeconds>> places = placesInTime(runs);
+  std::size_t first = 0;
+  while (first < runs.size() && period.since &&
+         places[first].value_or(*period.since - 1) < *period.since) {
+    ++first;
+  }
+  std::size_t end = first;
+  while (end < runs.size() &&
+         (!period.until || places[end].value_or(*period.until) < *period.until)) {
+    ++end;
+  }
+  return runs.subspan(first, end - first);
+}
+
+std::vector<Gap> gaps(std::span<const Run> runs) {
+  const Rhythm rhythm = rhythmOf(runs);
+  std::vector<Gap> found;
+  std::optional<std::size_t> before;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!runs[i].time) {
+      continue;
+    }
+    if (before) {
+      const std::size_t between = i - *before - 1;
+      const std::size_t missed = rhythm.missedBetween(*runs[*before].time, *runs[i].time);
+      if (missed > between) {
+        found.push_back(
+            {i, missed - between,
+             *runs[*before].time + static_cast<EpochSeconds>(between + 1) * rhythm.seconds});
+      }
+    }
+    before = i;
+  }
+  return found;
+}
+
+std::vector<Outage> outages(std::span<const Run> runs) {
+  const std::vector<std::optional<EpochSeconds>> places = placesInTime(runs);
+  std::vector<Outage> found;
+  bool isOpen = false;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (!places[i]) {
+      continue;
+    }
+    if (isOpen) {
+      found.back().end = *places[i];
+    }
+    if (!hadNoConnection(runs[i])) {
+      isOpen = false;
+    } else if (isOpen) {
+      found.back().last = i;
+    } else {
+      found.push_back({i, i, *places[i], *places[i]});
+      isOpen = true;
+    }
+  }
+  return found;
+}
+
+}  // namespace watch

@@ -1,0 +1,88 @@
+#include "figures/usual.h"
+
+#include "figures/statistics.h"
+
+#include <utility>
+
+namespace watch {
+
+namespace {
+
+constexpr double kOneInTwenty = 0.05;
+constexpr std::size_t kFewest = 3;
+
+std::int64_t localDay(EpochSeconds moment) {
+  const std::int64_t seconds = localTime(moment).seconds;
+  return (seconds - ((seconds % kDaySeconds) + kDaySeconds) % kDaySeconds) / kDaySeconds;
+}
+
+unsigned localHour(EpochSeconds moment) {
+  return calendar(localTime(moment)).hour;
+}
+
+}  // namespace
+
+Usual usual(std::span<const Run> runs, const Metric& metric) {
+  std::vector<double> values;
+  for (const Run& run : runs) {
+    if (const auto value = metric.of(run)) {
+      values.push_back(*value);
+    }
+  }
+  const std::size_t count = values.size();
+  const auto worse = quantile(values, metric.moreIsBetter ? kOneInTwenty : 1 - kOneInTwenty);
+  return {median(std::move(values)), worse, count};
+}
+
+std::array<std::optional<double>, 24> byHour(std::span<const Run> runs, const Metric& metric) {
+  std::array<std::vector<double>, 24> values;
+  for (const Run& run : runs) {
+    if (const auto value = metric.of(run); value && run.time) {
+      values.at(localHour(*run.time)).push_back(*value);
+    }
+  }
+  std::array<std::optional<double>, 24> middles;
+  for (std::size_t hour = 0; hour < values.size(); ++hour) {
+    middles.at(hour) = median(std::move(values.at(hour)));
+  }
+  return middles;
+}
+
+std::vector<std::optional<double>> byDay(std::span<const Run> runs, const Metric& metric,
+                                         EpochSeconds first, EpochSeconds last) {
+  const std::int64_t firstDay = localDay(first);
+  std::vector<std::vector<double>> values(static_cast<std::size_t>(localDay(last) - firstDay + 1));
+  for (const Run& run : runs) {
+    if (const auto value = metric.of(run); value && run.time) {
+      values.at(static_cast<std::size_t>(localDay(*run.time) - firstDay)).push_back(*value);
+    }
+  }
+  std::vector<std::optional<double>> middles;
+  middles.reserve(values.size());
+  for (std::vector<double>& day : values) {
+    middles.push_back(median(std::move(day)));
+  }
+  return middles;
+}
+
+UsualThen usualThen(std::span<const Run> runs, const Metric& metric, EpochSeconds moment) {
+  std::vector<double> ofAnyHour;
+  std::vector<double> ofThatHour;
+  const unsigned hour = localHour(moment);
+  for (const Run& run : runs) {
+    const auto value = metric.of(run);
+    if (!value || !run.time || *run.time >= moment || *run.time < moment - kUsualPeriod) {
+      continue;
+    }
+    ofAnyHour.push_back(*value);
+    if (localHour(*run.time) == hour) {
+      ofThatHour.push_back(*value);
+    }
+  }
+  const bool enough = ofThatHour.size() >= kFewest;
+  std::vector<double>& values = enough ? ofThatHour : ofAnyHour;
+  const std::size_t count = values.size();
+  return {count < kFewest ? std::nullopt : median(std::move(values)), count, enough};
+}
+
+}  // namespace watch

@@ -1,0 +1,43 @@
+// What is usual: the middle of what was measured, for a period or for an hour of the day.
+#pragma once
+
+#include "figures/metric.h"
+#include "runs/run.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace watch {
+
+inline constexpr EpochSeconds kDaySeconds = 24 * 60 * 60;
+/// For so long a figure is usual.
+inline constexpr EpochSeconds kUsualPeriod = 28 * kDaySeconds;
+
+struct Usual {
+  /// The middle value, and the one that one in twenty is worse than. Nothing without a value.
+  std::optional<double> middle;
+  std::optional<double> oneInTwenty;
+  std::size_t count = 0;
+};
+
+Usual usual(std::span<const Run> runs, const Metric& metric);
+
+/// The middle value of each hour of the local day.
+std::array<std::optional<double>, 24> byHour(std::span<const Run> runs, const Metric& metric);
+
+/// The middle value of each local day from the one of `first` to the one of `last`.
+std::vector<std::optional<double>> byDay(std::span<const Run> runs, const Metric& metric,
+                                         EpochSeconds first, EpochSeconds last);
+
+/// What was usual at the hour of `moment` in the 28 days before it; at any hour, when that hour has
+/// fewer than three values. `count` tells of how many values it is.
+struct UsualThen {
+  std::optional<double> middle;
+  std::size_t count = 0;
+  bool isOfThatHour = false;
+};
+UsualThen usualThen(std::span<const Run> runs, const Metric& metric, EpochSeconds moment);
+
+}  // namespace watch
