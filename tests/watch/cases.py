@@ -13,7 +13,7 @@ SLOW = (163_000, 730_000, 364.0)
 RELEASES = ("3.0.11", "3.1.3", "3.7", "3.9", "3.17.1", "3.21")
 PINGS = ("inetutils", "iputils", "iputils_adapter", "busybox", "busybox_adapter", "macos")
 
-# Each kind: what is different from a run in which all is well.
+# Each kind: what is different from a run in which all is well. A machine sleeps for so many slots.
 KINDS = {
     "no ping program": {"ping": "missing"},
     "no iperf3": {"forward": "missing", "reverse": "missing"},
@@ -64,7 +64,7 @@ KINDS = {
     "very fast": {"line": (86e9, 61e9, 0.6)},
     "clock stepped back in the run": {"step": -1500},
     "clock stepped on in the run": {"step": 1500},
-    "slept in the run": {"sleep": 21600},
+    "slept in the run": {"sleep": 6},
     **{f"ping of {each}": {"flavour": each} for each in PINGS},
     **{f"lossy ping of {each}": {"flavour": each, "ping": "lossy"} for each in PINGS},
     **{f"silent ping of {each}": {"flavour": each, "ping": "silent"} for each in PINGS},
@@ -72,6 +72,14 @@ KINDS = {
     **{f"iperf3 {each} interrupted": {"release": each, "forward": "interrupted"}
        for each in RELEASES},
 }
+# Of these, two in a row are hard to tell apart: they leave no line of the ping, or none of the results.
+BARE = [kind for kind, changes in KINDS.items()
+        if "killed_in" in changes or changes.get("flavour") == "iputils" or
+        changes.get("ping") in ("missing", "unknown_host", "silent", "off") or
+        changes.get("forward") == "off"]
+# These leave no second since the epoch, so that the hour that comes twice stays open.
+TIMELESS = ("refused", "no iperf3", "ping alone")
+
 # What happens between two runs: the machine is off for so many slots, or its clock is wrong for so many
 # runs, by a year and a bit.
 OFF = "switched off"
@@ -82,12 +90,12 @@ WRONG_BY = -34_560_000
 class PlainMix:
     """A home line: slow in the evening, rarely busy, cut off for some hours, or switched off."""
 
-    def __init__(self, random):
+    def __init__(self, random, _):
         self.random = random
         self.outage = 0
         self.slots_off = 0
 
-    def next(self, _):
+    def next(self, *_):
         """Returns a case, or None for a slot in which the machine is off."""
         random = self.random
         if self.slots_off == 0 and random.random() < 0.004:
@@ -108,25 +116,28 @@ class PlainMix:
 
 
 class HardMix:
-    """All kinds, each at least once before any comes again, so often as the seed decides."""
+    """All kinds, shuffled, each as often as the seed decides, and then all over again."""
 
-    def __init__(self, random):
+    def __init__(self, random, interval):
         self.random = random
+        self.interval = interval
         self.usual = Case(flavour=random.choice(("inetutils", "iputils_adapter", "macos",
                                                  "busybox_adapter", "inetutils")))
-        self.share = random.uniform(0.15, 0.5)
+        self.share = random.uniform(0.1, 0.4)
         self.copies = {kind: random.choice((1, 1, 1, 2, 3)) for kind in (*KINDS, OFF, WRONG_CLOCK)}
         self.deck = []
         self.last = None
         self.wrong_runs = 0
 
-    def next(self, clock):
+    def next(self, clock, hour_comes_twice):
         """Returns a case, or None for a slot in which the machine is off. Sets a clock wrong."""
         random = self.random
         if self.wrong_runs:
             self.wrong_runs -= 1
             if self.wrong_runs == 0:
                 clock.ahead -= WRONG_BY
+        if hour_comes_twice and random.random() < 0.5:
+            return self._case(random.choice(TIMELESS))
         if random.random() < self.share and self.wrong_runs == 0:
             return self.usual
         kind = self._draw(clock)
@@ -138,22 +149,25 @@ class HardMix:
         return self._case(kind)
 
     def _draw(self, clock):
-        """Takes a kind from the deck; now and then the one before, once more."""
-        if self.last and self.random.random() < 0.12:
+        """Takes a kind from the deck; now and then the one before, once more, or one like it."""
+        if self.last and self.random.random() < 0.1 and self._fits(self.last, clock):
             return self.last
-        for place, kind in enumerate(self._filled_deck()):
-            if self._fits(kind, clock):
-                del self.deck[place]
-                break
+        if self.last in BARE and self.random.random() < 0.3:
+            self.last = self.random.choice(BARE)
+            return self.last
+        kind = self._from_deck(clock)
         self.last = kind if kind in KINDS else None
         return kind
 
-    def _filled_deck(self):
-        if len(self.deck) < 4:
-            again = [kind for kind, copies in self.copies.items() for _ in range(copies)]
-            self.random.shuffle(again)
-            self.deck += again
-        return self.deck
+    def _from_deck(self, clock):
+        """Takes the first kind that fits."""
+        for place, kind in enumerate(self.deck):
+            if self._fits(kind, clock):
+                return self.deck.pop(place)
+        again = [kind for kind, copies in self.copies.items() for _ in range(copies)]
+        self.random.shuffle(again)
+        self.deck += again
+        return self._from_deck(clock)
 
     def _fits(self, kind, clock):
         """A clock is stepped back and on in turn, and is wrong in one way at a time."""
@@ -170,20 +184,22 @@ class HardMix:
             other = self.random.choice([each for each in KINDS if "step" not in KINDS[each]])
             changes = {**KINDS[other], **changes}
             note = f"{kind}; {other}"
+        if "sleep" in changes:
+            changes["sleep"] *= self.interval
         killed = changes.get("killed_in")
         if changes.get(killed) == "off":
             del changes[killed]
         return dataclasses.replace(self.usual, note=note, **changes)
 
 
-def at_this_hour(case, hour, other_reading):
+def at_this_hour(case, hour, hour_comes_twice):
     """The case on the line as it is at that hour. While the hour comes twice, the clock is not set,
     which nobody could tell from the hour that is repeated."""
     if case.line == USUAL_LINE and hour in EVENING:
         write, read, more = EVENING[hour]
         line = (case.line[0] * write, case.line[1] * read, case.line[2] + more)
         case = dataclasses.replace(case, line=line)
-    if other_reading is not None and (case.step or case.sleep):
+    if hour_comes_twice and (case.step or case.sleep):
         case = dataclasses.replace(case, note="plain", step=0, sleep=0)
     return case
 

@@ -30,11 +30,10 @@ class LocalTime:
     def hour(self, seconds):
         return (seconds + self.offset(seconds)) // 3600 % 24
 
-    def other_reading(self, seconds):
-        """The other time that has the same local time, or None where that comes only once."""
+    def comes_twice(self, seconds):
+        """Whether another time has the same local time."""
         at = datetime.datetime.fromtimestamp(seconds, self.zone)
-        other = int(at.replace(fold=1 - at.fold).timestamp())
-        return other if other != seconds else None
+        return at.replace(fold=1 - at.fold).timestamp() != seconds
 
     def end_of_summer_time(self, year):
         """The second at which an hour of that year begins to come twice, or None."""

@@ -13,8 +13,8 @@ VERBOSE = "ping_history_verbose.log"
 FULL_HISTORY_LINES = 10
 
 
-class ArchiveReplaced(Exception):
-    """Two moves of a history have one stamp, so that the lines of the first are lost."""
+def archive_name(kind, stamp):
+    return f"archive/{HISTORIES[kind][1]}_{stamp}.log"
 
 
 class HistoryFile:
@@ -51,6 +51,13 @@ class LogDirectory:
             self._move(kind, history, stamp, now)
         return history, number, moves
 
+    def is_free(self, stamp, after=None):
+        """Whether no move under this stamp replaces an archived file: of any history, or of those that
+        a run writes after the given one."""
+        kinds = list(HISTORIES)
+        later = kinds[kinds.index(after) + 1:] if after else kinds
+        return all(archive_name(kind, stamp) not in self.archived for kind in later)
+
     def append_verbose(self, lines, now):
         """Adds a ping's output; returns its first and its last line, or None for no output."""
         self.verbose_written = now
@@ -79,13 +86,11 @@ class LogDirectory:
             self._write(name, text() if callable(text) else text, now)
 
     def _move(self, kind, history, stamp, now):
-        live, archived = HISTORIES[kind]
-        history.name = f"archive/{archived}_{stamp}.log"
-        if history.name in self.archived:
-            raise ArchiveReplaced(history.name)
+        history.name = archive_name(kind, stamp)
+        assert history.name not in self.archived
         self.archived.add(history.name)
         self._write(history.name, "\n".join(history.lines) + "\n", history.written)
-        self.live[kind] = HistoryFile(live)
+        self.live[kind] = HistoryFile(HISTORIES[kind][0])
         # The shell opens this file for the messages of all moves but the results'.
         if kind != "result":
             self.latest["nul"] = ("", now)

@@ -4,7 +4,7 @@
 DIR/log is the log directory. DIR/truth.jsonl has a line for each slot, in their true order: "run" null
 when nothing ran, else what happened, which lines of which files it left, and in "says" what an honest
 reader can tell from the files alone. A run is "disguised" when its files look exactly like another
-case's. The same arguments make the same bytes.
+case's. No move to the archive replaces an earlier one. The same arguments make the same bytes.
 """
 
 import argparse
@@ -12,11 +12,10 @@ import collections
 import json
 import os
 import random
-import sys
 
 import cases
 from local_time import LocalTime
-from log_directory import ArchiveReplaced, LogDirectory
+from log_directory import LogDirectory
 from tester_run import Clock, Run, mark_disguised
 
 PROCESS = 41234
@@ -62,11 +61,14 @@ class Workstation:
         if start <= self.busy_until:
             return "the run before has not ended"
         self.clock.true = start
-        case = self.mix.next(self.clock)
+        twice = self.local_time.comes_twice(self.clock.now)
+        case = self.mix.next(self.clock, twice)
         if case is None:
             return cases.OFF
+        while not self.logs.is_free(self.local_time.stamp(self.clock.now)):
+            self.clock.true += 1
         now = self.clock.now
-        case = cases.at_this_hour(case, self.local_time.hour(start), self.local_time.other_reading(now))
+        case = cases.at_this_hour(case, self.local_time.hour(start), self.local_time.comes_twice(now))
         run = Run(number, slot, case, self.clock, self.random)
         run.carry_out(self.logs, self.local_time)
         self.logs.replace("connTester.lock", f"{PROCESS} {self.local_time.iso(now)[:19]}\n".replace(
@@ -77,7 +79,7 @@ class Workstation:
 
 def make_runs(options, logs, local_time, random_numbers):
     """Returns what became of each slot: a run, or the slot and why there was none."""
-    mix = cases.MIXES[options.mix](random_numbers)
+    mix = cases.MIXES[options.mix](random_numbers, options.interval)
     workstation = Workstation(logs, local_time, mix, random_numbers)
     first = first_slot(options, local_time, random_numbers)
     entries = []
@@ -115,10 +117,7 @@ def main():
     random_numbers = random.Random(options.seed)
     local_time = LocalTime(options.zone)
     logs = LogDirectory(os.path.join(options.directory, "log"))
-    try:
-        entries = make_runs(options, logs, local_time, random_numbers)
-    except ArchiveReplaced as archive:
-        sys.exit(f"make_logs.py: with this seed two moves have one stamp ({archive}): take another")
+    entries = make_runs(options, logs, local_time, random_numbers)
     logs.close()
     mark_disguised([entry for entry in entries if isinstance(entry, Run)])
     write_truth(options, entries, len(logs.archived))

@@ -94,6 +94,9 @@ class Run:
         if moved:
             self.first_move = self.first_move or self.clock_start
             self.stamp = self.local_time.stamp(self.clock.now)
+            while not self.logs.is_free(self.stamp, after=kind):
+                self.clock.true += 1
+                self.stamp = self.local_time.stamp(self.clock.now)
 
     def _ping(self):
         case = self.case
@@ -266,7 +269,7 @@ class Run:
         epoch = any(self._epoch(kind) is not None for kind in self.tests)
         return {"orphan": self.is_orphan, "classes": classes, "time": source,
                 "fold_unresolved": bool(source) and not epoch and
-                self.local_time.other_reading(source[1]) is not None,
+                self.local_time.comes_twice(source[1]),
                 "finished": bool(self.lines["result"]), "states": states, "class": classes[0],
                 "latency_ms": float(summary_numbers(replies)[1]) if replies and left else None,
                 "loss_percent": loss,
