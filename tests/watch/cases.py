@@ -115,6 +115,16 @@ class PlainMix:
         return Case()
 
 
+def switch_on(changes):
+    """Has a test that the run is killed in be on, and iperf3's two tests be on or off together."""
+    killed = changes.get("killed_in")
+    if changes.get(killed) == "off":
+        del changes[killed]
+    off = [kind for kind in ("forward", "reverse") if changes.get(kind) == "off"]
+    if len(off) == 1:
+        del changes[off[0]]
+
+
 class HardMix:
     """All kinds, shuffled, each as often as the seed decides, and then all over again."""
 
@@ -186,9 +196,7 @@ class HardMix:
             note = f"{kind}; {other}"
         if "sleep" in changes:
             changes["sleep"] *= self.interval
-        killed = changes.get("killed_in")
-        if changes.get(killed) == "off":
-            del changes[killed]
+        switch_on(changes)
         return dataclasses.replace(self.usual, note=note, **changes)
 
 

@@ -21,7 +21,7 @@ from tester_run import Clock, Run, mark_disguised
 PROCESS = 41234
 
 
-def arguments():
+def arguments(given=None):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("directory", metavar="DIR", help="is made, and must not be there")
     parser.add_argument("--seed", type=int, default=1)
@@ -31,7 +31,7 @@ def arguments():
     parser.add_argument("--zone", default="Europe/Berlin")
     parser.add_argument("--start", help="seconds since the epoch, or an ISO time; by default, hard has "
                         "the end of summer time in the period, and plain begins with the year 2026")
-    return parser.parse_args()
+    return parser.parse_args(given)
 
 
 def first_slot(options, local_time, random_numbers):
@@ -77,18 +77,18 @@ class Workstation:
         return run
 
 
-def make_runs(options, logs, local_time, random_numbers):
-    """Returns what became of each slot: a run, or the slot and why there was none."""
+def make_runs(options, logs):
+    """Yields what becomes of each slot: its run, or the slot and why there is none."""
+    random_numbers = random.Random(options.seed)
+    local_time = LocalTime(options.zone)
     mix = cases.MIXES[options.mix](random_numbers, options.interval)
     workstation = Workstation(logs, local_time, mix, random_numbers)
     first = first_slot(options, local_time, random_numbers)
-    entries = []
     count = 0
     for slot in range(first, first + options.runs * options.interval, options.interval):
         outcome = workstation.slot(count, slot, options.interval)
         count += isinstance(outcome, Run)
-        entries.append(outcome if isinstance(outcome, Run) else (slot, outcome))
-    return entries
+        yield outcome if isinstance(outcome, Run) else (slot, outcome)
 
 
 def truth_of(entry):
@@ -114,10 +114,8 @@ def write_truth(options, entries, archives):
 
 def main():
     options = arguments()
-    random_numbers = random.Random(options.seed)
-    local_time = LocalTime(options.zone)
     logs = LogDirectory(os.path.join(options.directory, "log"))
-    entries = make_runs(options, logs, local_time, random_numbers)
+    entries = list(make_runs(options, logs))
     logs.close()
     mark_disguised([entry for entry in entries if isinstance(entry, Run)])
     write_truth(options, entries, len(logs.archived))
