@@ -3,6 +3,10 @@
 // docs/files.md says what is in them.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
 /// The latest run of each tool, and the output of every ping.
 inline constexpr char kPingLatest[] = "ping_latest.log";
 inline constexpr char kPingVerbose[] = "ping_history_verbose.log";
@@ -44,3 +48,20 @@ constexpr const DirectionFiles& directionFiles(bool reverse) {
 
 /// Lines at which a history moves to the archive, so that an archived file holds ten runs.
 inline constexpr unsigned kFullHistoryLines = 10;
+
+/// What an archived file's name has behind that of its history.
+inline constexpr std::string_view kArchivedEnding = "_YYYYMMDDTHHMMSS.log";
+
+/// Characters of the longest name of a history's live file, and of an archived one. No other file
+/// of the log directory has a longer name.
+inline constexpr std::size_t kLongestLiveName = std::max(
+    {std::string_view(kPingHistory.live).size(), std::string_view(kIperf2History.live).size(),
+     std::string_view(kResultHistory.live).size(),
+     std::string_view(kForwardFiles.history.live).size(),
+     std::string_view(kReverseFiles.history.live).size()});
+inline constexpr std::size_t kLongestArchivedName =
+    kArchivedEnding.size() + std::max({std::string_view(kPingHistory.archived).size(),
+                                       std::string_view(kIperf2History.archived).size(),
+                                       std::string_view(kResultHistory.archived).size(),
+                                       std::string_view(kForwardFiles.history.archived).size(),
+                                       std::string_view(kReverseFiles.history.archived).size()});

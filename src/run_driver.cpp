@@ -5,6 +5,7 @@
 #include "iperf2/iperf2_run.h"
 #include "iperf3/iperf3_history.h"
 #include "iperf3/iperf3_run.h"
+#include "log_files.h"
 #include "ping/ping_run.h"
 #include "results/result_line.h"
 #include "run_state.h"
@@ -33,15 +34,13 @@ constexpr char kAddressTooLong[] =
 constexpr char kHomeTooLong[] =
     "connTester: HOME has %zu characters, the limit is %zu: set HOME to a shorter path\n";
 
-/// The longest command line, without LOG_PATH, which it holds twice; and the longest file name.
-constexpr char kLongestCommand[] =
-    "mv  connection_test_results_history.log "
-    "archive/connection_test_results_history_YYYYMMDDTHHMMSS.log\n";
-constexpr char kLongestFileName[] = "connection_test_results_history.log";
+/// The longest command line moves a history. It holds LOG_PATH twice, which is left out here.
+constexpr std::size_t kLongestCommand =
+    sizeof("mv   \n") + kLongestLiveName + sizeof(kArchiveDirectory) - 1 + kLongestArchivedName;
 
 /// Longest LOG_PATH with which every command line fits `cmd`, and every path its buffer.
-constexpr std::size_t kMaxLogPathLength = (sizeof(cmd) - sizeof(kLongestCommand)) / 2;
-static_assert(kMaxLogPathLength + sizeof(kLongestFileName) <= kPathCapacity);
+constexpr std::size_t kMaxLogPathLength = (sizeof(cmd) - kLongestCommand) / 2;
+static_assert(kMaxLogPathLength + kLongestLiveName < kPathCapacity);
 constexpr std::size_t kMaxHomeLength = kMaxLogPathLength - (sizeof(kLogDirectory) - 1);
 
 constexpr std::size_t kMaxAddressLength = sizeof(ipaddr) - 1;
