@@ -4,10 +4,10 @@
 usage: hold_to_truth.py TRUTH EXPORT
 
 TRUTH is as make_logs.py writes it. A run is found in the export by the lines of the files that it has
-left. It is "unsure" when the export says so of it, "equal" when all its fields are, and else "wrong". Of
-a run that the truth calls disguised, what its ping would tell may differ; it is "unsure" then, too. A
-line is printed for each difference of a wrong run and for each line of the export that is nobody's run.
-The status is 1 when there is any.
+left. It is "unsure" when the export says so of it, "equal" when all its fields are, and else "wrong". A
+run that the truth calls disguised may differ in what its ping would tell, or in all; it is "unsure"
+then, too. A line is printed for each difference of a wrong run and for each line of the export that is
+nobody's run. The status is 1 when there is any.
 """
 
 import collections
@@ -19,8 +19,6 @@ import sys
 from tool_outputs import is_iputils, time_text
 
 KINDS = ("result", "forward", "reverse", "ping", "verbose")
-# What the export may tell otherwise of a run whose ping looks like another's.
-DISGUISED = {"orphan", "class", "ping.state", "ping.avg_ms", "ping.loss_percent", "from.verbose"}
 FOLD = 3600  # seconds by which the readings of a local time that comes twice are apart
 
 
@@ -135,6 +133,12 @@ FIELDS = [
     *((f"from.{kind}", left(kind), taken_from(kind), same) for kind in KINDS),
 ]
 
+# What the export may tell otherwise of a run that is disguised.
+MAY_DIFFER = {
+    "ping": {"orphan", "class", "ping.state", "ping.avg_ms", "ping.loss_percent", "from.verbose"},
+    "forward": {"run", *(field[0] for field in FIELDS)},
+}
+
 
 def differences(truth, record):
     """The fields that the export tells otherwise, each with a text that says how."""
@@ -195,7 +199,7 @@ class Comparison:
         wrong = missing if record is None else differences(truth, record)
         if not wrong:
             return "equal"
-        if truth.get("disguised") and wrong.keys() <= DISGUISED:
+        if wrong.keys() <= MAY_DIFFER.get(truth.get("disguised"), set()):
             return "unsure"
         name = f"run {truth['run']} ({truth['note']}, {truth['local']})"
         self.messages += [f"{name}: {each}" for each in wrong.values()]

@@ -155,7 +155,7 @@ def try_lines_of_the_export(runs, directory):
 def try_what_may_differ(runs, directory):
     case = Case(runs)
     place = case.place(is_usual)
-    case.runs[place]["disguised"] = True
+    case.runs[place]["disguised"] = "ping"
     case.records[place]["ping"] = {"state": "no_reply", "avg_ms": None, "loss_percent": 100.0}
     expect_judged("disguised", case, directory, (len(runs) - 1, 1, 0))
     case.records[place]["finished"] = False
@@ -163,6 +163,10 @@ def try_what_may_differ(runs, directory):
         "finished is False, not True", "ping.state is no_reply, not replied",
         "ping.avg_ms is None, not {latency_ms}", "ping.loss_percent is 100.0, not 0.0")]
     expect_judged("more than disguised", case, directory, (len(runs) - 1, 0, 1), message)
+    case.runs[place]["disguised"] = "forward"
+    expect_judged("all of it disguised", case, directory, (len(runs) - 1, 1, 0))
+    del case.records[place]
+    expect_judged("gone by its disguise", case, directory, (len(runs) - 1, 1, 0))
 
     case = Case(runs)
     place = case.place(is_usual)

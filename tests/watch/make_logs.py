@@ -3,8 +3,9 @@
 
 DIR/log is the log directory. DIR/truth.jsonl has a line for each slot, in their true order: "run" null
 when nothing ran, else what happened, which lines of which files it left, and in "says" what an honest
-reader can tell from the files alone. A run is "disguised" when its files look exactly like another
-case's. No move to the archive replaces an earlier one. The same arguments make the same bytes.
+reader can tell from the files alone. Where these look exactly as if something else had happened, a run
+is "disguised" in its "ping" or its "forward" test. No move to the archive replaces an earlier one. The
+same arguments make the same bytes.
 """
 
 import argparse

@@ -72,7 +72,7 @@ class Run:
         self.marks = {}  # the clock when each tool ended, and the moment of the kill
         self.lines = {"ping": [], "verbose": [], "forward": [], "reverse": [], "result": []}
         self.first_move = None
-        self.disguised = False
+        self.disguised = None  # whose lines look like another case's: "ping" or "forward"
 
     # What happens
 
@@ -266,7 +266,7 @@ class Run:
         loss = None
         if self.lines["verbose"]:
             loss = 100 * (len(self.times) - len(replies)) / len(self.times)
-        epoch = any(self._epoch(kind) is not None for kind in self.tests)
+        epoch = any(self.has_epoch(kind) for kind in self.tests)
         return {"orphan": self.is_orphan, "classes": classes, "time": source,
                 "fold_unresolved": bool(source) and not epoch and
                 self.local_time.comes_twice(source[1]),
@@ -301,19 +301,20 @@ class Run:
             return "no_test"
         return {"ok": "full", "server_killed": "nothing_moved"}.get(test.outcome, "cut")
 
-    def _epoch(self, kind):
-        return self.tests[kind].epoch if self.lines[kind] else None
+    def has_epoch(self, kind):
+        """Whether the run left a line of that direction that tells when the test began."""
+        return bool(self.lines[kind]) and self.tests[kind].connected
 
     def _kept_rate(self, kind):
         test = self.tests[kind]
-        return int(f"{test.kept_rate:.0f}") if self.lines[kind] and test.connected else None
+        return int(f"{test.kept_rate:.0f}") if self.has_epoch(kind) else None
 
     def _time_source(self):
         if self.lines["ping"]:
             return ["ping", self.clock_start]
         for kind in ("forward", "reverse"):
-            if self._epoch(kind) is not None:
-                return [kind, self._epoch(kind)]
+            if self.has_epoch(kind):
+                return [kind, self.tests[kind].epoch]
         return ["archive_stamp", self.first_move] if self.first_move is not None else None
 
     def _classes(self, states):
@@ -329,25 +330,41 @@ class Run:
 
 
 def mark_disguised(runs):
-    """Finds the runs whose pings look like each other's.
+    """Finds the runs that look like something else, so that nobody can tell what happened."""
+    for gap in gaps(runs, lambda run: run.lines["ping"]):
+        mark_outputs(gap)
+    for gap in gaps(runs, lambda run: run.has_epoch("forward")):
+        mark_failed_forward_lines(gap)
 
-    Between two pings that left a line, readers can give an output without a line only to a run without
-    one, and do so when there are as many. Where that is not what happened, nobody can tell.
-    """
-    outputs, others = [], []
+
+def gaps(runs, ends_gap):
+    """The rows of runs that are between two for which that holds."""
+    gap = []
     for run in runs:
-        if run.lines["ping"]:
-            _mark_gap(outputs, others)
-            outputs, others = [], []
-            continue
-        if run.lines["verbose"]:
-            outputs.append(run)
-        if run.lines["result"] or run.lines["forward"]:
-            others.append(run)
-    _mark_gap(outputs, others)
+        if ends_gap(run):
+            yield gap
+            gap = []
+        else:
+            gap.append(run)
+    yield gap
 
 
-def _mark_gap(outputs, others):
-    if outputs and len(outputs) == len(others) and outputs != others:
+def mark_outputs(gap):
+    """Between two pings that left a line, an output without a line can only be given to a run without
+    one, and is where there are as many: wrongly, if a run that is ended left one and another none."""
+    outputs = [run for run in gap if run.lines["verbose"]]
+    others = [run for run in gap if run.lines["result"] or run.lines["forward"]]
+    if len(outputs) == len(others) and outputs != others:
         for run in outputs + others:
-            run.disguised = True
+            run.disguised = "ping"
+
+
+def mark_failed_forward_lines(gap):
+    """A run that is ended before its forward line and one that leaves nothing but that line look like
+    one run, if the line tells no time."""
+    before = [run for run in gap if run.lines["ping"] and not run.lines["forward"] and
+              not run.lines["result"]]
+    failed = [run for run in gap if run.lines["forward"]]
+    if before and any(not run.lines["ping"] and not run.lines["result"] for run in failed):
+        for run in before + failed:
+            run.disguised = "forward"

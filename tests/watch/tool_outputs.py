@@ -10,7 +10,7 @@ ROUND_TRIP = "round-trip min/avg/max/stddev"
 
 @dataclasses.dataclass(frozen=True)
 class Flavour:
-    """How a system's ping writes. `adapted`: its summary has been given the form that the tester reads."""
+    """How a system's ping writes. `adapted`: its summary has the form that the tester reads."""
 
     head: str = "PING {0} ({0}): 56 data bytes"
     sequence: str = "icmp_seq"
