@@ -3,8 +3,9 @@
 
 What is compared is measured side by side: whole runs take turns, round by round. Times are medians.
 
-Usage: behind bench/with_fake_tools: bench/tables.py BUILD_DIRECTORY run|report|histories|units
+Usage: behind bench/with_fake_tools: bench/tables.py BUILD_DIRECTORY run|report|histories|units|watch
 """
+import datetime
 import json
 import os
 import pathlib
@@ -233,8 +234,73 @@ def print_units():
     print_table(["Unit", "processor (µs)"], rows)
 
 
+# ---- connWatch ----
+
+# How many runs, at which interval in seconds.
+YEARS = {
+    "a month, every hour": (720, 3600),
+    "a year, every hour": (8760, 3600),
+    "ten years, every hour": (87600, 3600),
+    "a year, every five minutes": (105120, 300),
+}
+WATCH = f"{BUILD}/watch/connWatch"
+
+
+def made_logs(runs, interval):
+    """Returns the log directory of so many runs, made when it is not there, on the disk."""
+    made = BUILD / "bench" / f"logs-{runs}-{interval}"
+    if not made.exists():
+        begun = made.with_suffix(".begun")
+        quiet(["rm", "-rf", str(begun)])
+        maker = BENCH.parent / "tests/watch/make_logs.py"
+        options = [f"--runs={runs}", f"--interval={interval}"]
+        quiet([str(maker), str(begun), *options])
+        begun.rename(made)
+    return made / "log"
+
+
+def day_before_the_end(logs):
+    """Returns a day before the last date of the result lines."""
+    results = (logs / "connection_test_results_history.log").read_text()
+    dates = [line[7:22] for line in results.splitlines() if line.startswith("Date = 2")]
+    last = datetime.datetime.strptime(dates[-1], "%Y%m%dT%H%M%S")
+    return (last - datetime.timedelta(days=1)).isoformat()
+
+
+def readers_of(logs):
+    """Returns the command lines that read a log directory, by what they do."""
+    return {
+        "summary": f"{WATCH} summary --from {logs}",
+        "export jsonl": f"{WATCH} export jsonl --from {logs}",
+        "list of the last day": f"{WATCH} list --from {logs} --since {day_before_the_end(logs)}",
+        "jq, the sums alone": f"{BENCH}/sums_with_jq {logs}",
+        "Python, the sums alone": f"{BENCH}/sums.py {logs}",
+    }
+
+
+def print_watch():
+    seconds, peaks = [], []
+    for name, (runs, interval) in YEARS.items():
+        logs = made_logs(runs, interval)
+        commands = readers_of(logs)
+        archived = sum(1 for _ in (logs / "archive").iterdir())
+        times = hyperfine(list(commands.values()), 10)
+        row = [f"{result['median'] * 1e3:.1f}" for result in times]
+        seconds.append([name, f"{runs:,}", f"{archived:,}"] + row)
+        own = [command.split() for command in commands.values() if command.startswith(WATCH)]
+        peaks.append([name] + [f"{peak_megabytes(command):.0f}" for command in own])
+    print_table(["Runs", "slots", "archived files", *commands], seconds, "Milliseconds")
+    print_table(["Runs", *list(commands)[:3]], peaks, "Peak memory in MB")
+    start = hyperfine([f"{WATCH} --version"], 100)[0]["median"]
+    print(f"\nStarting takes {start * 1e3:.1f} ms.")
+
+
 SECTIONS = {
-    "run": print_runs, "report": print_reports, "histories": print_histories, "units": print_units
+    "run": print_runs,
+    "report": print_reports,
+    "histories": print_histories,
+    "units": print_units,
+    "watch": print_watch,
 }
 os.chdir("/tmp")
 SECTIONS[sys.argv[2]]()
