@@ -4,16 +4,29 @@
 
 namespace watch {
 
+namespace {
+
+/// Returns a number that has its three decimals, or that is none ("nan", "inf"): one with fewer was
+/// cut.
+std::optional<double> thousandths(std::string_view text) {
+  constexpr std::size_t kTail = 4;
+  const bool isWhole = (text.size() > kTail && text[text.size() - kTail] == '.') ||
+                       text.find_first_of("0123456789") == std::string_view::npos;
+  return isWhole ? wholeNumber<double>(text) : std::nullopt;
+}
+
+}  // namespace
+
 std::optional<PingLine> parsePingLine(std::string_view line) {
   std::string_view columns[5];
   if (!splitColumns(line, columns)) {
     return std::nullopt;
   }
   const auto start = parseStamp(columns[0]);
-  const auto min = wholeNumber<double>(columns[1]);
-  const auto avg = wholeNumber<double>(columns[2]);
-  const auto max = wholeNumber<double>(columns[3]);
-  const auto stddev = wholeNumber<double>(columns[4]);
+  const auto min = thousandths(columns[1]);
+  const auto avg = thousandths(columns[2]);
+  const auto max = thousandths(columns[3]);
+  const auto stddev = thousandths(columns[4]);
   if (!start || !min || !avg || !max || !stddev) {
     return std::nullopt;
   }

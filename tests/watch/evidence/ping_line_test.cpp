@@ -24,7 +24,7 @@ TEST(PingLine, HoldsAStartAndFourNumbers) {
   EXPECT_FALSE(line->from.isThere());
 }
 
-TEST(PingLine, MayHoldADeviationThatIsNoNumber) {
+TEST(PingLine, MayHoldWhatIsNoNumber) {
   for (const char* const text : {"nan", "-nan"}) {
     SCOPED_TRACE(text);
 
@@ -37,30 +37,57 @@ TEST(PingLine, MayHoldADeviationThatIsNoNumber) {
 }
 
 TEST(PingLine, IsReadAsAWholeOrNotAtAll) {
-  const std::string texts[] = {
-      "",
-      ",,,,",
-      "n/a",
-      "20261116T054400",
-      "20261116T054400,14.123,15.456,17.789",
-      "20261116T054400,14.123,15.456,17.789,",
-      "20261116T054400,14.123,15.456,17.789,1.234,",
-      "20261116T054400,14.123,15.456,17.789,1.234 ",
-      " 20261116T054400,14.123,15.456,17.789,1.234",
-      "20261116T054400,,15.456,17.789,1.234",
-      "20261116T054400,14.123,+15.456,17.789,1.234",
-      "20261116T054400,14.123,0x15,17.789,1.234",
-      "20261116T054400,14.123,1e999,17.789,1.234",
-      "20261116T0544,14.123,15.456,17.789,1.234",
-      "20261316T054400,14.123,15.456,17.789,1.234",
-      std::string(kLine) + '\0',
-      std::string(kLine) + kLine,
-      std::string(1'000'000, '1'),
-      std::string(1'000'000, ',')};
+  const std::string texts[] = {"",
+                               ",,,,",
+                               "n/a",
+                               "20261116T054400",
+                               "20261116T054400,14.123,15.456,17.789",
+                               "20261116T054400,14.123,15.456,17.789,",
+      "20261116T054400,14.123,15.456,17.789,123",
+      "20261116T054400,14.123,15.456,17.789,.123",
+                               "20261116T054400,14.123,15.456,17.789,1.234,",
+                               "20261116T054400,14.123,15.456,17.789,1.234 ",
+                               " 20261116T054400,14.123,15.456,17.789,1.234",
+                               "20261116T054400,,15.456,17.789,1.234",
+                               "20261116T054400,14.123,+15.456,17.789,1.234",
+                               "20261116T054400,14.123,0x15.123,17.789,1.234",
+                               "20261116T054400,14.123,1e9.999,17.789,1.234",
+                               "20261116T0544,14.123,15.456,17.789,1.234",
+                               "20261316T054400,14.123,15.456,17.789,1.234",
+                               std::string(kLine) + '\0',
+                               std::string(kLine) + kLine,
+                               std::string(1'000'000, '1'),
+                               std::string(1'000'000, ',')};
   for (const std::string& text : texts) {
     SCOPED_TRACE(text.substr(0, 100));
 
     EXPECT_FALSE(parsePingLine(text));
+  }
+}
+
+TEST(PingLine, IsNoneWhenItWasCutAnywhere) {
+  const std::string whole = kLine;
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    SCOPED_TRACE(whole.substr(0, length));
+
+    EXPECT_FALSE(parsePingLine(whole.substr(0, length)));
+  }
+}
+
+TEST(PingLine, IsFoundBehindACutOne) {
+  const std::string whole = kLine;
+  for (std::size_t length = 1; length <= whole.size(); ++length) {
+    SCOPED_TRACE(whole.substr(0, length));
+
+    EXPECT_EQ(lastPingLine(whole.substr(0, length) + whole), length);
+  }
+}
+
+TEST(PingLine, IsNotFoundWhereNoneCanBegin) {
+  for (const char* const text : {"", ",,,,", "T054400,1.000,1.000,1.000,0.000", "1,2,3", "1"}) {
+    SCOPED_TRACE(text);
+
+    EXPECT_EQ(lastPingLine(text), std::string_view::npos);
   }
 }
 
