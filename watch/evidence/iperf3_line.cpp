@@ -28,10 +28,15 @@ std::string_view withoutCarriageReturn(std::string_view text) {
   return text;
 }
 
-/// `amounts` is the first of the two columns that hold the bytes and their rate.
-std::optional<Iperf3Line> parse(std::string_view line, std::size_t amounts) {
+/// Columns of the bytes and their rate: what was sent, and what was received.
+constexpr std::size_t kSent = 7;
+constexpr std::size_t kReceived = 9;
+
+/// `amounts` are the columns of the direction; those of the other one hold zeros.
+std::optional<Iperf3Line> parse(std::string_view line, std::size_t amounts, std::size_t zeros) {
   std::string_view columns[kColumns];
-  if (!splitColumns(line, columns) || columns[5] != "0") {
+  if (!splitColumns(line, columns) || columns[5] != "0" || columns[zeros] != "0" ||
+      columns[zeros + 1] != "0") {
     return std::nullopt;
   }
   const std::string_view start = withoutCarriageReturn(columns[0]);
@@ -62,11 +67,11 @@ bool isDigit(char c) {
 }  // namespace
 
 std::optional<Iperf3Line> parseForwardLine(std::string_view line) {
-  return parse(line, 7);
+  return parse(line, kSent, kReceived);
 }
 
 std::optional<Iperf3Line> parseReverseLine(std::string_view line) {
-  return parse(line, 9);
+  return parse(line, kReceived, kSent);
 }
 
 std::size_t lastIperf3Line(std::string_view line) {
@@ -78,9 +83,12 @@ std::size_t lastIperf3Line(std::string_view line) {
   if (line.substr(comma) == kNothing) {
     return comma;
   }
-  const std::size_t begin = comma - std::min(comma, kEpochDigits);
-  const bool isEpoch = std::ranges::all_of(line.substr(begin, comma - begin), isDigit);
-  return isEpoch && begin > 0 ? begin : std::string_view::npos;
+  const std::string_view before = withoutCarriageReturn(line.substr(0, comma));
+  if (before.size() <= kEpochDigits) {
+    return std::string_view::npos;
+  }
+  const std::size_t begin = before.size() - kEpochDigits;
+  return std::ranges::all_of(before.substr(begin), isDigit) ? begin : std::string_view::npos;
 }
 
 bool isSameTest(const Iperf3Line& one, const Iperf3Line& other) {
