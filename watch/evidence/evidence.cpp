@@ -183,41 +183,20 @@ void readHistories(const LogDirectory& directory, const Listing& listing, Eviden
       HistoryReader(directory, kPingFormat, evidence).read(kHistories[3], listing.of[3]);
 }
 
-/// Takes the lines of the log of outputs to their blocks.
-class OutputsReader {
- public:
-  explicit OutputsReader(Evidence& evidence)
-      : evidence_(evidence), file_(static_cast<std::uint32_t>(evidence.files.size())) {
-    evidence.files.emplace_back(kPingVerbose);
-  }
-
-  void take(std::string_view line, std::uint32_t number) {
-    keep(blocks_.take(line, file_, number));
-  }
-  std::uint32_t end() {
-    keep(blocks_.end());
-    evidence_.keepsOutputs = true;
-    return blocks_.linesBefore();
-  }
-
- private:
-  void keep(std::optional<PingOutput> output) {
-    if (output) {
-      evidence_.outputs.push_back(std::move(*output));
-    }
-  }
-
-  Evidence& evidence_;
-  std::uint32_t file_;
-  PingOutputReader blocks_;
-};
+/// Says that the log of outputs was there, as the last of the files up to now.
+void keepOutputs(Evidence& evidence) {
+  evidence.keepsOutputs = true;
+  evidence.files.emplace_back(kPingVerbose);
+}
 
 void readOutputs(const LogDirectory& directory, Evidence& evidence) {
-  OutputsReader reader(evidence);
+  PingOutputReader reader(evidence.outputs);
+  const auto file = static_cast<std::uint32_t>(evidence.files.size());
   if (directory.readLines(
           kPingVerbose, evidence.troubles,
-          [&](std::string_view line, std::uint32_t number) { reader.take(line, number); })) {
-    if (const std::uint32_t before = reader.end(); before > 0) {
+          [&](std::string_view line, std::uint32_t number) { reader.take(line, file, number); })) {
+    keepOutputs(evidence);
+    if (reader.linesBefore() > 0) {
       evidence.troubles.push_back(
           {kPingVerbose, 1, "the output that it belongs to has no beginning"});
     }
@@ -227,6 +206,7 @@ void readOutputs(const LogDirectory& directory, Evidence& evidence) {
 /// Reads at least `count` outputs from the end of their log, if there are so many.
 void readLastOutputs(const LogDirectory& directory, std::size_t count, Evidence& evidence) {
   constexpr std::size_t kUsualBytes = 1024;
+  const auto file = static_cast<std::uint32_t>(evidence.files.size());
   for (std::size_t bytes = (count + 1) * kUsualBytes;; bytes *= 4) {
     bool isWhole = false;
     const auto text = directory.readEnd(kPingVerbose, bytes, isWhole, evidence.troubles);
@@ -234,10 +214,10 @@ void readLastOutputs(const LogDirectory& directory, std::size_t count, Evidence&
       return;
     }
     evidence.outputs.clear();
-    OutputsReader reader(evidence);
-    eachLine(*text, [&](std::string_view line, std::uint32_t) { reader.take(line, 0); });
-    reader.end();
+    PingOutputReader reader(evidence.outputs);
+    eachLine(*text, [&](std::string_view line, std::uint32_t) { reader.take(line, file, 0); });
     if (isWhole || evidence.outputs.size() >= count) {
+      keepOutputs(evidence);
       return;
     }
   }

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <limits>
-#include <utility>
 
 namespace watch {
 
@@ -22,29 +22,37 @@ void addReply(PingOutput& output, double ms) {
   output.fingerprint = output.fingerprint * 1099511628211ULL + std::bit_cast<std::uint64_t>(ms);
 }
 
-/// Takes "64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=13.9 ms". A duplicate is none.
+/// Takes "64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=13.9 ms". A duplicate is no reply, and
+/// neither is a line that was cut: its time may be. Returns whether the line ends there.
 bool takeReply(PingOutput& output, std::string_view line) {
   constexpr std::string_view kTime = " time=";
+  constexpr std::string_view kUnit = " ms";
   const std::size_t place = line.rfind(kTime);
-  if (place == std::string_view::npos || line.ends_with("(DUP!)")) {
-    return place != std::string_view::npos;
-  }
-  if (const auto ms = leadingNumber<double>(line.substr(place + kTime.size()))) {
-    addReply(output, *ms);
-  }
-  return true;
-}
-
-/// Takes "10 packets transmitted, 7 packets received, 30% packet loss".
-bool takeStatistics(PingOutput& output, std::string_view line) {
-  constexpr std::string_view kSent = " packets transmitted, ";
-  const std::size_t place = line.find(kSent);
   if (place == std::string_view::npos) {
     return false;
   }
-  output.sent = wholeNumber<std::uint32_t>(line.substr(0, place));
-  output.received = leadingNumber<std::uint32_t>(line.substr(place + kSent.size()));
-  return true;
+  std::string_view rest = line.substr(place + kTime.size());
+  const auto ms = takeNumber<double>(rest);
+  if (ms && std::isfinite(*ms) && rest.starts_with(kUnit) &&
+      rest.find("(DUP!)") == std::string_view::npos) {
+    addReply(output, *ms);
+  }
+  return rest == kUnit;
+}
+
+/// Takes "10 packets transmitted, 7 packets received, 30% packet loss".
+void takeStatistics(PingOutput& output, std::string_view line) {
+  constexpr std::string_view kSent = " packets transmitted, ";
+  const std::size_t place = line.find(kSent);
+  if (place == std::string_view::npos) {
+    return;
+  }
+  std::string_view rest = line.substr(place + kSent.size());
+  const auto received = takeNumber<std::uint32_t>(rest);
+  if (received && (rest.starts_with(" packets received") || rest.starts_with(" received"))) {
+    output.sent = wholeNumber<std::uint32_t>(line.substr(0, place));
+    output.received = received;
+  }
 }
 
 /// Takes "round-trip min/avg/max/stddev = 13.4/13.9/14.4/0.3 ms", and what other pings write.
@@ -56,65 +64,63 @@ void takeSummary(PingOutput& output, std::string_view line) {
   }
   double numbers[4] = {kNone, kNone, kNone, kNone};
   std::size_t count = 0;
+  bool lastIsWhole = false;
   std::string_view rest = line.substr(equals + 2);
   while (count < std::size(numbers)) {
-    const auto number = leadingNumber<double>(rest);
+    const auto number = takeNumber<double>(rest);
     if (!number) {
       break;
     }
     numbers[count++] = *number;
-    const std::size_t slash = rest.find('/');
-    rest = slash == std::string_view::npos ? std::string_view() : rest.substr(slash + 1);
-  }
-  if (count >= 3) {
-    output.summary = PingSummary{numbers[0], numbers[1], numbers[2], numbers[3]};
+    lastIsWhole = rest.starts_with('/') || rest.starts_with(" ms");
+    rest.remove_prefix(rest.starts_with('/') ? 1 : 0);
   }
   output.summaryIsRead = line.starts_with("round-trip");
   output.summaryIsWhole = output.summaryIsRead && count == std::size(numbers);
+  if (count == std::size(numbers) || (count + 1 == std::size(numbers) && lastIsWhole)) {
+    output.summary = PingSummary{numbers[0], numbers[1], numbers[2], numbers[3]};
+  }
 }
 
-PingOutput begin(std::string_view header, std::uint32_t file, std::uint32_t number) {
-  PingOutput output;
-  output.from = {file, number, number};
-  header.remove_prefix(kHeader.size());
-  output.target = printable(header.substr(0, header.find_first_of(" :(")));
-  return output;
-}
-
-/// Returns where in `line` an output begins: mostly at its start, but it may follow on one that was
-/// cut.
-std::size_t findHeader(std::string_view line) {
+/// Returns where in `line` an output begins that follows on what was cut, or npos.
+std::size_t findHeaderBehind(std::string_view line) {
   const std::size_t place = line.rfind(kHeader);
-  return place != std::string_view::npos &&
-                 (place == 0 || line.find('(', place) != std::string_view::npos)
+  return place != 0 && place != std::string_view::npos &&
+                 line.find('(', place) != std::string_view::npos
              ? place
              : std::string_view::npos;
 }
 
 }  // namespace
 
-std::optional<PingOutput> PingOutputReader::take(std::string_view line, std::uint32_t file,
-                                                 std::uint32_t number) {
-  if (open_ && line.size() > kHeader.size() && !line.starts_with('P')) {
-    open_->from.last = number;
-    if (takeReply(*open_, line) || takeStatistics(*open_, line)) {
-      return std::nullopt;
-    }
-    takeSummary(*open_, line);
-  }
-  if (const std::size_t place = findHeader(line); place != std::string_view::npos) {
-    return std::exchange(open_, begin(line.substr(place), file, number));
-  }
-  if (open_) {
-    open_->from.last = number;
-  } else {
-    ++before_;
-  }
-  return std::nullopt;
+void PingOutputReader::begin(std::string_view header, std::uint32_t file, std::uint32_t number) {
+  header.remove_prefix(kHeader.size());
+  PingOutput& output = outputs_.emplace_back();
+  output.target = printable(header.substr(0, header.find_first_of(" (")));
+  output.from = {file, number, number};
+  hasBegun_ = true;
 }
 
-std::optional<PingOutput> PingOutputReader::end() {
-  return std::exchange(open_, std::nullopt);
+void PingOutputReader::take(std::string_view line, std::uint32_t file, std::uint32_t number) {
+  const bool begins = line.starts_with(kHeader);
+  if (!begins && hasBegun_) {
+    PingOutput& output = outputs_.back();
+    output.from.last = number;
+    if (takeReply(output, line)) {
+      return;
+    }
+    takeStatistics(output, line);
+    takeSummary(output, line);
+  }
+  const std::size_t place = findHeaderBehind(line);
+  if (begins) {
+    begin(line.substr(0, place), file, number);
+  } else if (!hasBegun_) {
+    ++before_;
+  }
+  if (place != std::string_view::npos) {
+    begin(line.substr(place), file, number);
+  }
 }
 
 }  // namespace watch

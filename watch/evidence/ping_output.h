@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace watch {
 
@@ -42,15 +43,19 @@ struct PingOutput {
 /// Puts the blocks together from the log's lines, which are given one after the other.
 class PingOutputReader {
  public:
-  /// `line` comes without its newline. Returns the block that ended before it.
-  std::optional<PingOutput> take(std::string_view line, std::uint32_t file, std::uint32_t number);
-  /// Returns the last block.
-  std::optional<PingOutput> end();
+  /// Adds the blocks to `outputs`, each when it begins.
+  explicit PingOutputReader(std::vector<PingOutput>& outputs) : outputs_(outputs) {}
+
+  /// `line` comes without its newline.
+  void take(std::string_view line, std::uint32_t file, std::uint32_t number);
   /// Lines before the first block, which belong to none.
   std::uint32_t linesBefore() const { return before_; }
 
  private:
-  std::optional<PingOutput> open_;
+  void begin(std::string_view header, std::uint32_t file, std::uint32_t number);
+
+  std::vector<PingOutput>& outputs_;
+  bool hasBegun_ = false;
   std::uint32_t before_ = 0;
 };
 

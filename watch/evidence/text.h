@@ -20,13 +20,17 @@ std::optional<Number> wholeNumber(std::string_view text) {
                                                                     : std::nullopt;
 }
 
-/// Returns the number that `text` begins with, or nothing.
+/// Takes the number off the front of `text` with which it begins, or nothing.
 template <class Number>
-std::optional<Number> leadingNumber(std::string_view text) {
+std::optional<Number> takeNumber(std::string_view& text) {
   Number number{};
   const std::from_chars_result read =
       std::from_chars(text.data(), text.data() + text.size(), number);
-  return read.ec == std::errc() ? std::optional(number) : std::nullopt;
+  if (read.ec != std::errc()) {
+    return std::nullopt;
+  }
+  text.remove_prefix(static_cast<std::size_t>(read.ptr - text.data()));
+  return number;
 }
 
 /// Fills `columns` with what stands between the commas of `line`. Returns false when it has another
