@@ -31,6 +31,10 @@ std::uint32_t countEmptyIntervals(const Value& report) {
 }  // namespace
 
 std::optional<Iperf3Report> parseIperf3Report(std::string_view text) {
+  // RapidJSON would take a NUL for the end.
+  if (text.find('\0') != std::string_view::npos) {
+    return std::nullopt;
+  }
   rapidjson::Document document;
   // Without recursion: the depth of a report is its writer's.
   document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
