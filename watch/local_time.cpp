@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::int64_t kDay = 24 * 60 * 60;
 
-/// The offset and how long it holds around the moment that was asked for last. Runs come in order
-/// of time, so that most questions have the answer of the one before.
+/// A day that has one offset. Runs come in order of time, so that most questions have the answer of
+/// the one before.
 struct KnownOffset {
   EpochSeconds from = 0;
   EpochSeconds until = 0;
@@ -41,15 +41,18 @@ EpochSeconds Moments::nearest(EpochSeconds moment) const {
 }
 
 std::int32_t utcOffset(EpochSeconds moment) {
-  // A stretch between two whole quarters of an hour has one offset: no zone has ever changed its
-  // clocks within one.
-  constexpr EpochSeconds kStretch = 15 * 60;
   thread_local KnownOffset known;
-  if (moment < known.from || moment >= known.until) {
-    const EpochSeconds from = moment - ((moment % kStretch) + kStretch) % kStretch;
-    known = {from, from + kStretch, askForOffset(moment)};
+  if (moment >= known.from && moment < known.until) {
+    return known.offset;
   }
-  return known.offset;
+  const EpochSeconds from = moment - ((moment % kDay) + kDay) % kDay;
+  const std::int32_t offset = askForOffset(from);
+  // No clock is set twice a day.
+  if (offset != askForOffset(from + kDay - 1)) {
+    return askForOffset(moment);
+  }
+  known = {from, from + kDay, offset};
+  return offset;
 }
 
 LocalTime localTime(EpochSeconds moment) {
