@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The completion of connWatch's command line in bash.
+source "$(dirname "$0")/library.sh"
+
+# shellcheck source=../../packaging/bash-completion/connWatch
+source "$packaging/bash-completion/connWatch"
+
+# Completes the last of the words behind "connWatch", cut as bash cuts them, and prints what bash offers
+# then, in its order.
+complete_words() {
+  COMP_WORDS=(connWatch "$@")
+  COMP_CWORD=$#
+  COMPREPLY=(stale)
+  _connWatch
+  ((${#COMPREPLY[@]} == 0)) || printf '%s\n' "${COMPREPLY[@]}" | sort
+}
+
+# Compares what is offered for the words $1, in quotes where need be, with the words $2.
+expect_offer() {
+  local words
+  eval "words=($1)"
+  expect_file <(complete_words "${words[@]}" | paste -sd ' ') <<<"${2-}"
+}
+
+CompletesTheWordsOfEachCommand() {
+  for_each_case expect_offer <<'END'
+""                    | check export list show summary
+s                     | show summary
+show ""
+check ""
+export ""             | csv jsonl sqlite
+export s              | sqlite
+export csv ""
+nothing ""            | check export list show summary
+--                    | --from --help --since --until --version
+list --               | --from --help --since --until
+show -2 --            | --from --help --since --until
+summary --s           | --since
+check --              | --bad --below --from --help --latency --max-age --read --since --until --write
+export --             | --from --help --output --since --until
+export sqlite --o     | --output
+--help l              | list
+--from list ""        | check export list show summary
+--from list check --r | --read
+--from = logs list -- | --from --help --since --until
+END
+}
+
+CompletesTheValuesOfOptions() {
+  mkdir logs runs
+  touch runs.csv
+  for_each_case expect_offer <<'END'
+--from ""            | logs runs
+--from = ""          | logs runs
+--from =             | logs runs
+list --from r        | runs
+export --output ru   | runs runs.csv
+--since ""           | today yesterday
+list --until y       | yesterday
+check --read ""
+check --max-age --   |
+check --below = ""
+END
+}
+
+LeavesFilesToBashCompletionWhereThatIsThere() {
+  # shellcheck disable=SC2317 # the completion calls it
+  _filedir() {
+    COMPREPLY=("_filedir $*: $cur")
+  }
+
+  for_each_case expect_offer <<'END'
+list --from r          | _filedir -d: r
+export --output = runs | _filedir : runs
+END
+}
+
+IsWhatBashAsksForConnWatch() {
+  expect_file <(complete -p connWatch) <<<'complete -F _connWatch connWatch'
+}
+
+run_test "$@"
