@@ -6,6 +6,7 @@ file(RENAME ${share}/doc/conntester/CHANGELOG.md ${share}/doc/conntester/changel
 file(GLOB documents ${share}/man/man*/* ${share}/doc/conntester/changelog*)
 execute_process(COMMAND gzip --best --no-name ${documents} COMMAND_ERROR_IS_FATAL ANY)
 file(GLOB programs
+  ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/bin/connWatch
   ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/libexec/connTester/connTester
   ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/libexec/connTester/*-adapter/*)
 execute_process(COMMAND strip --remove-section=.comment ${programs} COMMAND_ERROR_IS_FATAL ANY)

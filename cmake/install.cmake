@@ -9,6 +9,7 @@ set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
 set(programs ${CMAKE_INSTALL_LIBEXECDIR}/connTester)
 set(data ${CMAKE_INSTALL_DATADIR}/connTester)
 set(documents ${CMAKE_INSTALL_DATADIR}/doc/conntester)
+set(completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
 # Scripts find their neighbours by relative paths, so that `--prefix` and DESTDIR need nothing more.
 file(RELATIVE_PATH PROGRAMS_FROM_BIN /${CMAKE_INSTALL_BINDIR} /${programs})
@@ -21,6 +22,9 @@ configure_file(packaging/uninstall.in packaging/uninstall @ONLY)
 set(folders
   ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${programs}/iperf3-adapter ${data}
   ${documents}/docs lib/systemd/user ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5)
+if(TARGET connWatch)
+  list(APPEND folders ${completions})
+endif()
 configure_file(cmake/start_install.cmake.in packaging/start_install.cmake @ONLY)
 install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/packaging/start_install.cmake COMPONENT machine)
 
@@ -29,6 +33,11 @@ install(TARGETS connTester DESTINATION ${programs})
 if(TARGET ping_adapter)
   install(TARGETS ping_adapter DESTINATION ${programs}/ping-adapter)
   install(TARGETS iperf3_adapter DESTINATION ${programs}/iperf3-adapter)
+endif()
+if(TARGET connWatch)
+  install(TARGETS connWatch)
+  install(FILES man/connWatch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES packaging/bash-completion/connWatch DESTINATION ${completions})
 endif()
 install(PROGRAMS packaging/in-session ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixed-paths
   DESTINATION ${programs})
@@ -70,6 +79,11 @@ set(CPACK_PACKAGE_DESCRIPTION
 "connTester measures the link to a test server, once: the latency with ping,
 the rates of both directions with iperf3. It ends with one result line and
 keeps dated histories. Units for a run every hour are included.")
+if(TARGET connWatch)
+  string(APPEND CPACK_PACKAGE_DESCRIPTION
+"\n.\nconnWatch reads these histories and says how the connection is, when it was
+bad, and why.")
+endif()
 set(CPACK_INSTALL_CMAKE_PROJECTS
   "${CMAKE_BINARY_DIR};connTester;program;/;${CMAKE_BINARY_DIR};connTester;debian;/")
 configure_file(cmake/package_time.cmake.in packaging/package_time.cmake @ONLY)

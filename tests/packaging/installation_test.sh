@@ -4,6 +4,7 @@ source "$(dirname "$0")/library.sh"
 
 # What is under the prefix then.
 files='bin/connTester
+bin/connWatch
 lib/systemd/user/connTester@.service
 lib/systemd/user/connTester@.timer
 libexec/connTester/connTester
@@ -13,6 +14,7 @@ libexec/connTester/iperf3-adapter/iperf3
 libexec/connTester/manifest
 libexec/connTester/ping-adapter/ping
 libexec/connTester/uninstall
+share/bash-completion/completions/connWatch
 share/connTester/connTester.conf
 share/connTester/connTester.crontab
 share/connTester/connTester.plist
@@ -26,6 +28,7 @@ share/doc/conntester/docs/macos.md
 share/doc/conntester/docs/performance.md
 share/doc/conntester/docs/reliability.md
 share/man/man1/connTester.1
+share/man/man1/connWatch.1
 share/man/man5/connTester.conf.5'
 # What the fixed folder is then.
 folder="Qelmora connTester.conf iperf3>$programs/iperf3-adapter/iperf3 record"
