@@ -79,4 +79,46 @@ IsWhatBashAsksForConnWatch() {
   expect_file <(complete -p connWatch) <<<'complete -F _connWatch connWatch'
 }
 
+# Prints the long options that the manual lists for all commands and for command $1.
+options_of_manual() {
+  awk -v own="Options of $1" '
+    /^\.S[hs] / { section = substr($0, 5) }
+    /^\.It Fl / && (section == "Options" || section == own) {
+      for (i = 3; i <= NF; i++) {
+        if ($(i - 1) == "Fl" && $i ~ /^-/) { print "-" $i }
+      }
+    }' "$prefix/share/man/man1/connWatch.1"
+}
+
+# Compares the options of command $1, none for that of the program alone, in all three places.
+expect_options() {
+  local command=$1
+  "$prefix/bin/connWatch" ${command:+"$command"} --help | grep -oE -- '--[a-z][a-z-]*' | sort -u >options.help
+  # shellcheck disable=SC2086 # no word for none
+  complete_words $command -- >options.completion
+  options_of_manual "$command" | grep -vx -e "${command:+--version}" | sort >options.manual
+  diff options.help options.completion || fail "connWatch $command: help (<) is not completion (>)"
+  diff options.help options.manual || fail "connWatch $command: help (<) is not manual (>)"
+}
+
+KnowsTheOptionsThatHelpAndManualKnow() {
+  install_tester
+
+  local command
+  for command in '' $(complete_words ''); do
+    expect_options "$command"
+  done
+}
+
+KnowsTheCommandsThatHelpAndManualKnow() {
+  install_tester
+
+  complete_words '' >commands.completion
+  sed -nE '/^The commands are:/,/^\.El/s/^\.It Cm ([a-z]+).*/\1/p' "$prefix/share/man/man1/connWatch.1" |
+    sort >commands.manual
+  "$prefix/bin/connWatch" --help | sed '1,/^Subcommands:/d' | awk 'NF { print $1 }' | sort >commands.help
+  diff commands.help commands.completion || fail "help (<) is not completion (>)"
+  diff commands.help commands.manual || fail "help (<) is not manual (>)"
+}
+
 run_test "$@"
