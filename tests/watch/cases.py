@@ -88,12 +88,15 @@ WRONG_BY = -34_560_000
 
 
 class PlainMix:
-    """A home line: slow in the evening, rarely busy, cut off for some hours, or switched off."""
+    """A home line: slow in the evening and for some bad days, rarely busy, cut off for some hours, or
+    switched off."""
 
     def __init__(self, random, _):
         self.random = random
         self.outage = 0
         self.slots_off = 0
+        self.bad_slots = 0
+        self.bad_line = USUAL_LINE
 
     def next(self, *_):
         """Returns a case, or None for a slot in which the machine is off."""
@@ -112,7 +115,18 @@ class PlainMix:
             return Case("server busy", forward="busy")
         if random.random() < 0.002:
             return Case("killed", killed_in="forward")
-        return Case()
+        return Case(line=self._line())
+
+    def _line(self):
+        if self.bad_slots == 0 and self.random.random() < 0.002:
+            write, read, latency = USUAL_LINE
+            share = self.random.uniform(0.3, 0.7)
+            self.bad_slots = self.random.randint(40, 120)
+            self.bad_line = (write * (1 + share) / 2, read * share, latency / share)
+        if self.bad_slots:
+            self.bad_slots -= 1
+            return self.bad_line
+        return USUAL_LINE
 
 
 def switch_on(changes):
