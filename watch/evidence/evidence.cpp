@@ -11,6 +11,8 @@ namespace watch {
 namespace {
 
 constexpr int kMostReadings = 5;
+/// Before all times, and far enough from the limits to be subtracted.
+constexpr std::int64_t kBeforeAll = std::numeric_limits<std::int64_t>::min() / 4;
 /// How far before `since` the histories are read, so that the first run of interest has neighbours.
 constexpr std::int64_t kMarginSeconds = 12 * 60 * 60;
 
@@ -55,8 +57,82 @@ struct Part {
   std::vector<Line> lines;
   std::string name;
   std::optional<LocalTime> stamp;
+  /// The median of the times of its lines, and the first and the last of them.
   std::int64_t time = 0;
+  std::int64_t first = 0;
+  std::int64_t last = 0;
+  /// The clock was set back while it was filled.
+  bool goesBack = false;
   std::size_t fingerprint = 0;
+};
+
+/// Finds a better place for each part whose times are no guide to it, since the clock was set back
+/// in between, as it is at the end of summer time: where they go on from those before, and those
+/// behind go on from them.
+template <class Line>
+class OrderMender {
+ public:
+  explicit OrderMender(std::vector<Part<Line>>& parts) : parts_(parts) {}
+
+  void mend() {
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      if (parts_[i].goesBack) {
+        move(i, betterPlace(i));
+      }
+    }
+  }
+
+ private:
+  /// How long nothing was written between two; but a break of a day is as any longer one, or as a
+  /// clock that was set.
+  static std::int64_t pause(const Part<Line>* one, const Part<Line>* next) {
+    constexpr std::int64_t kDay = 24 * 60 * 60;
+    if (one == nullptr || next == nullptr) {
+      return 0;
+    }
+    const std::int64_t seconds = next->first - one->last;
+    return seconds >= 0 ? std::min(seconds, kDay) : kDay;
+  }
+
+  const Part<Line>* at(std::size_t place) const {
+    return place < parts_.size() ? &parts_[place] : nullptr;
+  }
+
+  /// By how much longer the pauses are with `part` between the two.
+  static std::int64_t cost(const Part<Line>* before, const Part<Line>& part,
+                           const Part<Line>* behind) {
+    return pause(before, &part) + pause(&part, behind) - pause(before, behind);
+  }
+
+  /// Returns before which part the part `i` is best, where it stands if no other place is better.
+  std::size_t betterPlace(std::size_t i) const {
+    std::size_t best = i;
+    std::int64_t least = cost(at(i - 1), parts_[i], at(i + 1));
+    for (std::size_t place = 0; place <= parts_.size(); ++place) {
+      if (place == i || place == i + 1) {
+        continue;
+      }
+      const std::int64_t here = cost(at(place - 1), parts_[i], at(place));
+      if (here < least) {
+        least = here;
+        best = place;
+      }
+    }
+    return best;
+  }
+
+  void move(std::size_t from, std::size_t to) {
+    const auto part = [&](std::size_t i) {
+      return parts_.begin() + static_cast<std::ptrdiff_t>(i);
+    };
+    if (to < from) {
+      std::rotate(part(to), part(from), part(from + 1));
+    } else if (to > from) {
+      std::rotate(part(from), part(from + 1), part(to));
+    }
+  }
+
+  std::vector<Part<Line>>& parts_;
 };
 
 template <class Line>
@@ -75,6 +151,7 @@ class HistoryReader {
       }
     }
     std::ranges::stable_sort(parts, {}, &Part<Line>::time);
+    OrderMender<Line>(parts).mend();
     Lines<Line> lines;
     for (std::size_t i = 0; i < parts.size(); ++i) {
       if (i > 0 && isCopy(parts[i], parts[i - 1])) {
@@ -119,7 +196,7 @@ class HistoryReader {
     eachLine(*text, [&](std::string_view line, std::uint32_t number) {
       readLine(line, {file, number, number}, part.lines);
     });
-    part.time = timeOf(part);
+    setTimes(part);
     return part;
   }
 
@@ -149,9 +226,8 @@ class HistoryReader {
                  std::make_move_iterator(found.rend()));
   }
 
-  /// The median time of the lines; without one, what the name tells; without that, the first of
-  /// all.
-  std::int64_t timeOf(const Part<Line>& part) const {
+  /// Without a time of a line, all are what the name tells; without that, the first of all.
+  void setTimes(Part<Line>& part) const {
     std::vector<std::int64_t> times;
     for (const Line& line : part.lines) {
       if (const auto time = format_.time(line)) {
@@ -159,12 +235,15 @@ class HistoryReader {
       }
     }
     if (times.empty()) {
-      return part.stamp ? format_.timeOfStamp(*part.stamp)
-                        : std::numeric_limits<std::int64_t>::min();
+      times.push_back(part.stamp ? format_.timeOfStamp(*part.stamp)
+                                 : kBeforeAll);
     }
+    part.first = times.front();
+    part.last = times.back();
+    part.goesBack = !std::ranges::is_sorted(times);
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::ranges::nth_element(times, middle);
-    return *middle;
+    part.time = *middle;
   }
 
   const LogDirectory& directory_;
