@@ -1,7 +1,6 @@
 #include "evidence/evidence.h"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -54,16 +53,18 @@ constexpr Format<ResultLine> kResultFormat = {parseResultLine, lastResultLine, r
 /// The lines of one file of a history.
 template <class Line>
 struct Part {
-  std::vector<Line> lines;
   std::string name;
+  std::string text;
+  std::vector<Line> lines;
   std::optional<LocalTime> stamp;
+  /// A line tells when it was written.
+  bool isTimed = false;
   /// The median of the times of its lines, and the first and the last of them.
   std::int64_t time = 0;
   std::int64_t first = 0;
   std::int64_t last = 0;
   /// The clock was set back while it was filled.
   bool goesBack = false;
-  std::size_t fingerprint = 0;
 };
 
 /// Finds a better place for each part whose times are no guide to it, since the clock was set back
@@ -145,32 +146,50 @@ class HistoryReader {
     // The live file first: when it moves to the archive meanwhile, the archive has changed.
     std::optional<Part<Line>> live = readPart(history.live, std::nullopt);
     std::vector<Part<Line>> parts;
+    parts.reserve(archived.size() + 1);
     for (const Archived& file : archived) {
       if (std::optional<Part<Line>> part = readPart(file.name, file.stamp)) {
         parts.push_back(std::move(*part));
       }
     }
-    std::ranges::stable_sort(parts, {}, &Part<Line>::time);
+    // Of two copies the second counts: that whose name tells more.
+    std::ranges::stable_sort(parts, {}, [](const Part<Line>& part) {
+      return std::pair(part.time, part.stamp.has_value());
+    });
     OrderMender<Line>(parts).mend();
-    Lines<Line> lines;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-      if (i > 0 && isCopy(parts[i], parts[i - 1])) {
-        evidence_.troubles.push_back(
-            {parts[i].name, 0, "it holds the same as " + parts[i - 1].name});
-      } else {
-        append(lines, parts[i]);
-      }
-    }
     if (live) {
-      append(lines, *live);
+      parts.push_back(std::move(*live));
+    }
+    return join(parts);
+  }
+
+ private:
+  /// Leaves out what another file holds, too: a copy, or the part of one that is left of a move to
+  /// another file system that was killed.
+  Lines<Line> join(std::vector<Part<Line>>& parts) {
+    Lines<Line> lines;
+    const Part<Line>* last = nullptr;
+    for (auto part = parts.begin(); part != parts.end(); ++part) {
+      const auto next = part + 1;
+      if (last != nullptr && isBegin(*part, *last)) {
+        leaveOut(*part, *last);
+      } else if (next != parts.end() && isBegin(*part, *next)) {
+        leaveOut(*part, *next);
+      } else {
+        append(lines, *part);
+        last = &*part;
+      }
     }
     return lines;
   }
 
- private:
-  static bool isCopy(const Part<Line>& one, const Part<Line>& other) {
-    return one.fingerprint == other.fingerprint && !one.lines.empty() &&
-           one.lines.size() == other.lines.size();
+  /// Without a time, ten runs that failed look like any other ten.
+  static bool isBegin(const Part<Line>& part, const Part<Line>& whole) {
+    return part.isTimed && whole.text.starts_with(part.text);
+  }
+
+  void leaveOut(const Part<Line>& part, const Part<Line>& whole) {
+    evidence_.troubles.push_back({part.name, 0, "all that it holds is in " + whole.name});
   }
 
   static void append(Lines<Line>& lines, Part<Line>& part) {
@@ -182,7 +201,7 @@ class HistoryReader {
   }
 
   std::optional<Part<Line>> readPart(const std::string& name, std::optional<LocalTime> stamp) {
-    const std::optional<std::string> text = directory_.read(name, evidence_.troubles);
+    std::optional<std::string> text = directory_.read(name, evidence_.troubles);
     if (!text) {
       return std::nullopt;
     }
@@ -190,10 +209,10 @@ class HistoryReader {
     evidence_.files.push_back(name);
     Part<Line> part;
     part.name = name;
+    part.text = std::move(*text);
     part.stamp = stamp;
-    part.fingerprint = std::hash<std::string>()(*text);
     part.lines.reserve(kFullHistoryLines);
-    eachLine(*text, [&](std::string_view line, std::uint32_t number) {
+    eachLine(part.text, [&](std::string_view line, std::uint32_t number) {
       readLine(line, {file, number, number}, part.lines);
     });
     setTimes(part);
@@ -202,41 +221,39 @@ class HistoryReader {
 
   /// A line that followed on a cut one, or on one without a newline, is read all the same.
   void readLine(std::string_view text, Source from, std::vector<Line>& lines) {
-    std::vector<Line> found;
+    const std::size_t linesBefore = lines.size();
     while (!text.empty()) {
-      if (std::optional<Line> line = format_.parse(text)) {
-        line->from = from;
-        found.push_back(std::move(*line));
-        break;
+      std::optional<Line> line = format_.parse(text);
+      const std::size_t begin = line ? 0 : format_.findLast(text);
+      if (!line && begin != std::string_view::npos) {
+        line = format_.parse(text.substr(begin));
       }
-      const std::size_t last = format_.findLast(text);
-      std::optional<Line> line =
-          last == std::string_view::npos ? std::nullopt : format_.parse(text.substr(last));
       if (!line) {
         evidence_.troubles.push_back({evidence_.files[from.file], from.first,
-                                      found.empty() ? "it is no line of this history"
-                                                    : "it begins with a line that was cut"});
+                                      lines.size() == linesBefore
+                                          ? "it is no line of this history"
+                                          : "it begins with a line that was cut"});
         break;
       }
       line->from = from;
-      found.push_back(std::move(*line));
-      text = text.substr(0, last);
+      lines.push_back(std::move(*line));
+      text = text.substr(0, begin);
     }
-    lines.insert(lines.end(), std::make_move_iterator(found.rbegin()),
-                 std::make_move_iterator(found.rend()));
+    std::reverse(lines.begin() + static_cast<std::ptrdiff_t>(linesBefore), lines.end());
   }
 
   /// Without a time of a line, all are what the name tells; without that, the first of all.
   void setTimes(Part<Line>& part) const {
     std::vector<std::int64_t> times;
+    times.reserve(part.lines.size() + 1);
     for (const Line& line : part.lines) {
       if (const auto time = format_.time(line)) {
         times.push_back(*time);
       }
     }
-    if (times.empty()) {
-      times.push_back(part.stamp ? format_.timeOfStamp(*part.stamp)
-                                 : kBeforeAll);
+    part.isTimed = !times.empty();
+    if (!part.isTimed) {
+      times.push_back(part.stamp ? format_.timeOfStamp(*part.stamp) : kBeforeAll);
     }
     part.first = times.front();
     part.last = times.back();
@@ -305,7 +322,11 @@ void readLastOutputs(const LogDirectory& directory, std::size_t count, Evidence&
 std::optional<Iperf3Report> readReport(const LogDirectory& directory, const char* name,
                                        Troubles& troubles) {
   const auto text = directory.read(name, troubles);
-  return text ? parseIperf3Report(*text) : std::nullopt;
+  const auto report = text ? parseIperf3Report(*text) : std::nullopt;
+  if (text && !text->empty() && !report) {
+    troubles.push_back({name, 0, "it is no whole report"});
+  }
+  return report;
 }
 
 Evidence readOnce(const LogDirectory& directory, const Listing& listing,

@@ -101,6 +101,10 @@ std::string_view takeWholeLines(std::string_view text, std::uint32_t& number, co
 
 /// Returns the history of which `name` is an archived file, or nothing.
 std::optional<std::size_t> historyOf(std::string_view name) {
+  constexpr std::string_view kOutputs = "ping_history_verbose";
+  if (name.starts_with(kOutputs)) {
+    return std::nullopt;
+  }
   for (std::size_t kind = 0; kind < std::size(kHistories); ++kind) {
     const std::string_view begin = kHistories[kind].archived;
     if (name.starts_with(begin) && name.substr(begin.size()).starts_with('_') &&
