@@ -42,13 +42,6 @@ void startRun() {
   formatInto(LOG_PATH_ARCHIVE, "%sarchive/", kLogDirectory);
 }
 
-void require(bool kept, const char* promise) {
-  if (!kept) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
-    std::abort();
-  }
-}
-
 void requireDocumented(const std::string& message, std::initializer_list<const char*> documented) {
   const bool isDocumented =
       std::any_of(documented.begin(), documented.end(),

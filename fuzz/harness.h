@@ -5,6 +5,7 @@
 // Files: LOG_PATH, a directory below /tmp (emptied for each input).
 #pragma once
 
+#include "promise.h"
 #include "support/files.h"
 #include "support/log_paths.h"
 
@@ -13,18 +14,12 @@
 #include <stdexcept>
 #include <string>
 
-/// Each target implements this: hands `input` to the readers of one format and checks what they
-/// promise. It starts on a machine that startRun() has made.
-void readInput(const std::string& input);
-
 /// The command lines that the shell was given since the start of the run.
 extern std::size_t commandCount;
 
-/// Puts the settings, the results and the log directory back to the start of a run.
+/// Puts the settings, the results and the log directory back to the start of a run, as each input
+/// meets them.
 void startRun();
-
-/// Ends the process with the name of a `promise` that was not kept.
-void require(bool kept, const char* promise);
 
 /// Checks the ping history that a parser leaves: whole lines, as many as `outputResults` tells of,
 /// and a move for each line from the tenth on. The parser has run `otherCommands` more.

@@ -1,0 +1,20 @@
+// A report of iperf3, as connWatch reads it.
+#include "evidence/iperf3_report.h"
+#include "promise.h"
+
+#include <algorithm>
+
+void readInput(const std::string& input) {
+  const auto report = watch::parseIperf3Report(input);
+  if (!report) {
+    return;
+  }
+  constexpr char kBlanks[] = " \t\r\n";
+  require(input.find_first_of('{') == input.find_first_not_of(kBlanks) &&
+              input.find_last_of('}') == input.find_last_not_of(kBlanks),
+          "a report is one whole object");
+  require(std::ranges::all_of(report->error, [](char c) { return c >= ' ' && c <= '~'; }),
+          "an error can be printed");
+  require(report->emptyIntervals <= static_cast<std::size_t>(std::ranges::count(input, '{')),
+          "each interval is an object");
+}
