@@ -9,7 +9,8 @@ void readInput(const std::string& input) {
   if (!report) {
     return;
   }
-  constexpr char kBlanks[] = " \t\r\n";
+  // Bytes of a byte order mark are left out one by one.
+  constexpr char kBlanks[] = " \t\r\n\xef\xbb\xbf";
   require(input.find_first_of('{') == input.find_first_not_of(kBlanks) &&
               input.find_last_of('}') == input.find_last_not_of(kBlanks),
           "a report is one whole object");

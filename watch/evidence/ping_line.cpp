@@ -9,9 +9,11 @@ namespace {
 /// Returns a number that has its three decimals, or that is none ("nan", "inf"): one with fewer was
 /// cut.
 std::optional<double> thousandths(std::string_view text) {
-  constexpr std::size_t kTail = 4;
-  const bool isWhole = (text.size() > kTail && text[text.size() - kTail] == '.') ||
-                       text.find_first_of("0123456789") == std::string_view::npos;
+  constexpr std::string_view kDigits = "0123456789";
+  const std::size_t point = text.find_last_not_of(kDigits);
+  const bool isWhole = (point != std::string_view::npos && point > 0 && text[point] == '.' &&
+                        text.size() - point == sizeof(".123") - 1) ||
+                       text.find_first_of(kDigits) == std::string_view::npos;
   return isWhole ? wholeNumber<double>(text) : std::nullopt;
 }
 

@@ -33,7 +33,7 @@ bool takeReply(PingOutput& output, std::string_view line) {
   }
   std::string_view rest = line.substr(place + kTime.size());
   const auto ms = takeNumber<double>(rest);
-  if (ms && std::isfinite(*ms) && rest.starts_with(kUnit) &&
+  if (ms && std::isfinite(*ms) && *ms >= 0 && rest.starts_with(kUnit) &&
       rest.find("(DUP!)") == std::string_view::npos) {
     addReply(output, *ms);
   }
