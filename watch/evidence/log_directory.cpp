@@ -20,8 +20,9 @@ constexpr std::size_t kChunk = 256 * 1024;
 /// An open file. A FIFO or a device, which could block, is refused.
 class OpenFile {
  public:
-  OpenFile(const std::filesystem::path& path, const std::string& name, Troubles& troubles)
-      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+  OpenFile(const std::filesystem::path& folder, const std::string& name, Troubles& troubles)
+      : descriptor_(
+            open((folder.native() + '/' + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
         name_(name),
         troubles_(troubles) {
     if (descriptor_ < 0) {
@@ -55,17 +56,14 @@ class OpenFile {
     return count < 0 ? 0 : static_cast<std::size_t>(count);
   }
 
-  /// Reads up to the end.
+  /// Reads up to the end, at which a read has less than it asked for.
   std::string rest(std::size_t expected) {
     std::string text;
     std::size_t length = 0;
-    std::size_t count = 0;
     do {
-      length += count;
-      // One more, so that a file of the expected size ends with the second read.
       text.resize(std::max(length + kReserve, expected + 1));
-      count = read(text.data() + length, text.size() - length);
-    } while (count > 0);
+      length += read(text.data() + length, text.size() - length);
+    } while (length == text.size());
     text.resize(length);
     return text;
   }
@@ -125,7 +123,8 @@ std::optional<LocalTime> stampOf(std::string_view name, std::size_t kind) {
 
 Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) const {
   Listing listing;
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir((path_ / kArchive).c_str()), closedir);
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(
+      opendir((path_.native() + '/' + kArchive).c_str()), closedir);
   if (folder == nullptr) {
     if (errno != ENOENT) {
       troubles.push_back({kArchive, 0, std::strerror(errno)});
@@ -148,13 +147,13 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
 }
 
 std::optional<std::string> LogDirectory::read(const std::string& name, Troubles& troubles) const {
-  OpenFile file(path_ / name, name, troubles);
+  OpenFile file(path_, name, troubles);
   return file.isOpen() ? std::optional(file.rest(file.size())) : std::nullopt;
 }
 
 std::optional<std::string> LogDirectory::readEnd(const std::string& name, std::size_t bytes,
                                                  bool& isWhole, Troubles& troubles) const {
-  OpenFile file(path_ / name, name, troubles);
+  OpenFile file(path_, name, troubles);
   isWhole = !file.isOpen() || file.size() <= bytes;
   if (!file.isOpen()) {
     return std::nullopt;
@@ -166,7 +165,7 @@ std::optional<std::string> LogDirectory::readEnd(const std::string& name, std::s
 }
 
 bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const Take& take) const {
-  OpenFile file(path_ / name, name, troubles);
+  OpenFile file(path_, name, troubles);
   if (!file.isOpen()) {
     return false;
   }
@@ -176,17 +175,21 @@ bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const 
   while (true) {
     buffer.resize(kept + kChunk);
     const std::size_t count = file.read(buffer.data() + kept, kChunk);
-    const std::string_view text(buffer.data(), kept + count);
-    const std::string_view rest = takeWholeLines(text, number, take);
+    buffer.resize(kept + count);
     if (count == 0) {
-      if (!rest.empty()) {
-        take(withoutCarriageReturn(rest), ++number);
-      }
-      return true;
+      break;
     }
-    kept = rest.size();
-    buffer.erase(0, text.size() - kept);
+    // What was kept holds no end of a line, and isn't looked through again.
+    if (buffer.find('\n', kept) != std::string::npos) {
+      const std::size_t rest = takeWholeLines(buffer, number, take).size();
+      buffer.erase(0, buffer.size() - rest);
+    }
+    kept = buffer.size();
   }
+  if (!buffer.empty()) {
+    take(withoutCarriageReturn(buffer), ++number);
+  }
+  return true;
 }
 
 void eachLine(std::string_view text, const Take& take) {

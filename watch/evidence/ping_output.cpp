@@ -27,11 +27,11 @@ void addReply(PingOutput& output, double ms) {
 bool takeReply(PingOutput& output, std::string_view line) {
   constexpr std::string_view kTime = " time=";
   constexpr std::string_view kUnit = " ms";
-  const std::size_t place = line.rfind(kTime);
-  if (place == std::string_view::npos) {
+  const std::size_t behind = line.rfind('=') + 1;
+  if (!line.substr(0, behind).ends_with(kTime)) {
     return false;
   }
-  std::string_view rest = line.substr(place + kTime.size());
+  std::string_view rest = line.substr(behind);
   const auto ms = takeNumber<double>(rest);
   if (ms && std::isfinite(*ms) && *ms >= 0 && rest.starts_with(kUnit) &&
       rest.find("(DUP!)") == std::string_view::npos) {
