@@ -1,237 +1,273 @@
 #include "runs/alignment.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace watch {
 
 namespace {
 
-/// How far around its expected place, and from the start, the next sure partner is looked for.
-constexpr std::size_t kReach = 48;
-/// A way through a segment leaves the straight one by this many places at most, and by as many more
-/// as one sequence is longer there.
-constexpr std::size_t kStray = 16;
-/// Segments with more pairs than this are not weighed: all in them is doubtful.
-constexpr std::size_t kMostPairs = 4'000'000;
-/// Far from what a sum of costs can reach.
-constexpr int kFar = 1 << 29;
+/// By how much a way may cost more than the best one so far, to be followed all the same. Without
+/// a margin the best way is found when it costs the least that it can.
+constexpr int kMargins[] = {0, 30, 100};
+/// A stretch between rows beyond doubt that has more places than this is not weighed: its elements
+/// stay alone, and all are doubtful.
+constexpr std::size_t kMostPlaces = 4'000'000;
 
-/// What lies in both sequences between partners beyond doubt.
-struct Segment {
-  std::size_t left;
-  std::size_t leftEnd;
-  std::size_t right;
-  std::size_t rightEnd;
+template <std::size_t Count>
+constexpr Members kAll = (1U << Count) - 1;
 
-  std::size_t lefts() const { return leftEnd - left; }
-  std::size_t rights() const { return rightEnd - right; }
-  /// The rights from `first` to `last` are weighed against the left `i`.
-  std::size_t first(std::size_t i) const {
-    const std::size_t back = kStray + (lefts() > rights() ? lefts() - rights() : 0);
-    return i > back ? std::min(i - back, rights()) : 0;
-  }
-  std::size_t last(std::size_t i) const {
-    return std::min(rights(), i + kStray + (rights() > lefts() ? rights() - lefts() : 0));
-  }
-  std::size_t width() const {
-    return 2 * kStray + 1 + (std::max(lefts(), rights()) - std::min(lefts(), rights()));
-  }
-};
-
-int add(int one, int other) {
-  return other == kImpossible ? kFar : std::min(kFar, one + other);
+constexpr bool has(Members members, std::size_t sequence) {
+  return (members >> sequence & 1U) != 0;
 }
 
-/// The costs from one corner of a segment to each place near its straight way.
-class Grid {
- public:
-  explicit Grid(const Segment& segment)
-      : segment_(segment), costs_((segment.lefts() + 1) * segment.width(), kFar) {}
-
-  int get(std::size_t i, std::size_t j) const {
-    return isInside(i, j) ? costs_[place(i, j)] : kFar;
+template <std::size_t Count>
+std::size_t sum(const Places<Count>& places) {
+  std::size_t all = 0;
+  for (const std::size_t place : places) {
+    all += place;
   }
-  void set(std::size_t i, std::size_t j, int cost) { costs_[place(i, j)] = cost; }
+  return all;
+}
+
+/// Returns where a row began that ends at `places`; nothing when it would begin before `start`.
+template <std::size_t Count>
+std::optional<Places<Count>> before(Members members, Places<Count> places,
+                                    const Places<Count>& start) {
+  for (std::size_t n = 0; n < Count; ++n) {
+    if (has(members, n)) {
+      if (places[n] == start[n]) {
+        return std::nullopt;
+      }
+      --places[n];
+    }
+  }
+  return places;
+}
+
+template <std::size_t Count>
+Row<Count> rowAt(Members members, const Places<Count>& places) {
+  Row<Count> row;
+  for (std::size_t n = 0; n < Count; ++n) {
+    row.places[n] = has(members, n) ? places[n] : kAlone;
+  }
+  return row;
+}
+
+/// A stretch of the sequences, weighed place by place. Places with the same number of elements
+/// before them are a layer.
+template <std::size_t Count>
+class Stretch {
+ public:
+  Stretch(const Costs<Count>& costs, const Places<Count>& start, const Places<Count>& end)
+      : costs_(costs), start_(start), end_(end) {}
+
+  std::vector<Row<Count>> rows() {
+    const int least = costs_.atLeast(start_, end_);
+    for (const int margin : kMargins) {
+      const std::optional<int> cost = weigh(margin);
+      if (cost && *cost <= least + margin) {
+        break;
+      }
+    }
+    return layers_.size() == layerCount() && !layers_.back().empty() ? walkBack() : allAlone();
+  }
 
  private:
-  bool isInside(std::size_t i, std::size_t j) const {
-    return i <= segment_.lefts() && j >= segment_.first(i) && j <= segment_.last(i);
-  }
-  std::size_t place(std::size_t i, std::size_t j) const {
-    return i * segment_.width() + (j - segment_.first(i));
-  }
+  struct Node {
+    Places<Count> places;
+    int cost;
+    bool isOnBestWay = false;
+  };
+  /// Nodes of a layer stand together, ordered by their places.
+  struct Layer {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    bool empty() const { return begin == end; }
+  };
+  using Found = std::vector<Node>;
 
-  const Segment& segment_;
-  std::vector<int> costs_;
-};
+  std::size_t layerCount() const { return sum(end_) - sum(start_) + 1; }
 
-class Aligner {
- public:
-  explicit Aligner(const Costs& costs) : costs_(costs) {
-    result_.ofLeft.assign(costs.lefts, kAlone);
-    result_.ofRight.assign(costs.rights, kAlone);
-    result_.leftDoubtful.assign(costs.lefts, false);
-    result_.rightDoubtful.assign(costs.rights, false);
-  }
-
-  Alignment run() {
-    std::size_t left = 0;
-    std::size_t right = 0;
-    while (true) {
-      const auto [nextLeft, nextRight] = findSure(left, right);
-      weigh({left, nextLeft, right, nextRight});
-      if (nextLeft == costs_.lefts) {
-        return std::move(result_);
-      }
-      join(nextLeft, nextRight);
-      left = nextLeft + 1;
-      right = nextRight + 1;
-    }
-  }
-
- private:
-  void join(std::size_t left, std::size_t right) {
-    result_.ofLeft[left] = right;
-    result_.ofRight[right] = left;
-  }
-
-  /// Returns the next partners beyond doubt, or the ends of both sequences.
-  std::pair<std::size_t, std::size_t> findSure(std::size_t left, std::size_t right) const {
-    for (std::size_t i = left; i < costs_.lefts; ++i) {
-      const std::size_t expected = right + (i - left);
-      const std::size_t near = expected > right + kReach ? expected - kReach : right;
-      if (auto found = findSureIn(i, near, expected + kReach + 1)) {
-        return {i, *found};
-      }
-      if (auto found = findSureIn(i, right, std::min(near, right + kReach))) {
-        return {i, *found};
+  /// Finds what it costs to come to each place. Returns the cost of coming to the end.
+  std::optional<int> weigh(int margin) {
+    nodes_.clear();
+    layers_.clear();
+    std::array<Found, Count + 1> found;  // of this layer and those that a row can come to
+    found[0].push_back({start_, 0});
+    std::array<int, Count> best;  // of this layer and those before it that a row leaps over
+    best.fill(kImpossible);
+    for (std::size_t layer = 0; layer < layerCount() && nodes_.size() < kMostPlaces; ++layer) {
+      close(found[layer % found.size()], best, layer, margin);
+      for (std::size_t i = layers_.back().begin; i < layers_.back().end; ++i) {
+        goOn(nodes_[i], layer, found);
       }
     }
-    return {costs_.lefts, costs_.rights};
+    return layers_.size() < layerCount() || layers_.back().empty()
+               ? std::nullopt
+               : std::optional(nodes_[layers_.back().begin].cost);
   }
 
-  std::optional<std::size_t> findSureIn(std::size_t left, std::size_t begin,
-                                        std::size_t end) const {
-    for (std::size_t right = begin; right < std::min(end, costs_.rights); ++right) {
-      if (costs_.isSure(left, right)) {
-        return right;
+  /// Keeps what was found of a layer: each place once, and only what may be on the best way.
+  void close(Found& found, std::array<int, Count>& best, std::size_t layer, int margin) {
+    std::ranges::sort(found, [](const Node& one, const Node& other) {
+      return std::pair(one.places, one.cost) < std::pair(other.places, other.cost);
+    });
+    const auto same = std::ranges::unique(found, {}, &Node::places);
+    found.erase(same.begin(), same.end());
+    int& bestHere = best[layer % Count];
+    bestHere = kImpossible;
+    for (Node& node : found) {
+      bestHere = std::min(bestHere, node.cost + costs_.atLeast(node.places, end_));
+    }
+    const int bestNear = *std::ranges::min_element(best);
+    layers_.push_back({nodes_.size(), nodes_.size()});
+    for (const Node& node : found) {
+      if (node.cost + costs_.atLeast(node.places, end_) <= bestNear + margin) {
+        nodes_.push_back(node);
       }
     }
-    return std::nullopt;
+    layers_.back().end = nodes_.size();
+    found.clear();
   }
 
-  void weigh(const Segment& s) {
-    if (s.lefts() == 0 || s.rights() == 0) {
-      return;
+  void goOn(const Node node, std::size_t layer, std::array<Found, Count + 1>& found) {
+    for (Members members = 1; members <= kAll<Count>; ++members) {
+      const Places<Count> next = behind(members, node.places);
+      if (!isInside(next)) {
+        continue;
+      }
+      const int cost = costs_.row(members, node.places);
+      if (cost != kImpossible) {
+        const std::size_t to = layer + static_cast<std::size_t>(__builtin_popcount(members));
+        found[to % found.size()].push_back({next, node.cost + cost});
+      }
     }
-    if (s.lefts() > kMostPairs / s.width()) {
-      std::fill_n(result_.leftDoubtful.begin() + static_cast<std::ptrdiff_t>(s.left), s.lefts(),
-                  true);
-      std::fill_n(result_.rightDoubtful.begin() + static_cast<std::ptrdiff_t>(s.right), s.rights(),
-                  true);
-      return;
+  }
+
+  bool isInside(const Places<Count>& places) const {
+    for (std::size_t n = 0; n < Count; ++n) {
+      if (places[n] > end_[n]) {
+        return false;
+      }
     }
-    const Grid before = costsBefore(s);
-    const Grid after = costsAfter(s);
-    takeCheapest(s, before, after);
-    findDoubts(s, before, after);
+    return true;
   }
 
-  // What the steps from the place (i, j) of a segment cost: with a partner, and without.
-  int pairCost(const Segment& s, std::size_t i, std::size_t j) const {
-    return i < s.lefts() && j < s.rights() ? costs_.pair(s.left + i, s.right + j) : kImpossible;
-  }
-  int leftCost(const Segment& s, std::size_t i) const {
-    return i < s.lefts() ? costs_.left(s.left + i) : kImpossible;
-  }
-  int rightCost(const Segment& s, std::size_t j) const {
-    return j < s.rights() ? costs_.right(s.right + j) : kImpossible;
+  Node* find(const Places<Count>& places) {
+    const Layer& layer = layers_[sum(places) - sum(start_)];
+    const auto first = nodes_.begin() + static_cast<std::ptrdiff_t>(layer.begin);
+    const auto last = nodes_.begin() + static_cast<std::ptrdiff_t>(layer.end);
+    const auto found = std::ranges::lower_bound(first, last, places, {}, &Node::places);
+    return found != last && found->places == places ? &*found : nullptr;
   }
 
-  Grid costsBefore(const Segment& s) const {
-    Grid grid(s);
-    for (std::size_t i = 0; i <= s.lefts(); ++i) {
-      for (std::size_t j = s.first(i); j <= s.last(i); ++j) {
-        int cost = i + j == 0 ? 0 : kFar;
-        if (i > 0) {
-          cost = std::min(cost, add(grid.get(i - 1, j), leftCost(s, i - 1)));
+  /// Goes back from the end over all best ways, and takes the rows of one of them: that with the
+  /// most members, as far as there is a choice.
+  std::vector<Row<Count>> walkBack() {
+    std::vector<Row<Count>> all;
+    std::vector<Row<Count>> taken;
+    nodes_.back().isOnBestWay = true;
+    Places<Count> here = end_;
+    for (std::size_t i = nodes_.size(); i-- > 0;) {
+      if (!nodes_[i].isOnBestWay) {
+        continue;
+      }
+      const bool isTaken = nodes_[i].places == here;
+      for (Members members = kAll<Count>; members > 0; --members) {
+        if (Node* const from = cameFrom(members, nodes_[i])) {
+          from->isOnBestWay = true;
+          all.push_back(rowAt(members, from->places));
+          if (isTaken && here == nodes_[i].places) {
+            taken.push_back(all.back());
+            here = from->places;
+          }
         }
-        if (j > 0) {
-          cost = std::min(cost, add(grid.get(i, j - 1), rightCost(s, j - 1)));
-        }
-        if (i > 0 && j > 0) {
-          cost = std::min(cost, add(grid.get(i - 1, j - 1), pairCost(s, i - 1, j - 1)));
-        }
-        grid.set(i, j, cost);
       }
     }
-    return grid;
+    std::ranges::reverse(taken);
+    markDoubts(all, taken);
+    return taken;
   }
 
-  Grid costsAfter(const Segment& s) const {
-    Grid grid(s);
-    for (std::size_t i = s.lefts() + 1; i-- > 0;) {
-      for (std::size_t j = s.last(i) + 1; j-- > s.first(i);) {
-        const bool isEnd = i == s.lefts() && j == s.rights();
-        grid.set(i, j,
-                 std::min({isEnd ? 0 : kFar, add(grid.get(i + 1, j), leftCost(s, i)),
-                           add(grid.get(i, j + 1), rightCost(s, j)),
-                           add(grid.get(i + 1, j + 1), pairCost(s, i, j))}));
-      }
+  Node* cameFrom(Members members, const Node& node) {
+    const std::optional<Places<Count>> places = before(members, node.places, start_);
+    Node* const from = places ? find(*places) : nullptr;
+    if (from == nullptr) {
+      return nullptr;
     }
-    return grid;
+    const int cost = costs_.row(members, *places);
+    return cost != kImpossible && from->cost + cost == node.cost ? from : nullptr;
   }
 
-  /// Walks one of the cheapest ways through the segment: partners rather than gaps.
-  void takeCheapest(const Segment& s, const Grid& before, const Grid& after) {
-    const int best = after.get(0, 0);
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i < s.lefts() || j < s.rights()) {
-      const int here = before.get(i, j);
-      if (add(add(here, pairCost(s, i, j)), after.get(i + 1, j + 1)) == best) {
-        join(s.left + i++, s.right + j++);
-      } else if (add(add(here, leftCost(s, i)), after.get(i + 1, j)) == best) {
-        ++i;
-      } else {
-        ++j;
-      }
-    }
-  }
-
-  /// One is doubtful when cheapest ways differ in what they do with it.
-  void findDoubts(const Segment& s, const Grid& before, const Grid& after) {
-    const int best = after.get(0, 0);
-    for (std::size_t i = 0; i <= s.lefts(); ++i) {
-      for (std::size_t j = s.first(i); j <= s.last(i); ++j) {
-        const int here = before.get(i, j);
-        const bool pairs = add(add(here, pairCost(s, i, j)), after.get(i + 1, j + 1)) == best;
-        const bool leaves = add(add(here, leftCost(s, i)), after.get(i + 1, j)) == best;
-        const bool skips = add(add(here, rightCost(s, j)), after.get(i, j + 1)) == best;
-        const std::size_t left = s.left + i;
-        const std::size_t right = s.right + j;
-        if ((pairs && result_.ofLeft[left] != right) ||
-            (leaves && result_.ofLeft[left] != kAlone)) {
-          result_.leftDoubtful[left] = true;
+  /// A row is doubtful in what another one of the best ways does with one of its elements.
+  void markDoubts(const std::vector<Row<Count>>& all, std::vector<Row<Count>>& taken) const {
+    std::array<std::vector<std::size_t>, Count> rowOf;
+    for (std::size_t n = 0; n < Count; ++n) {
+      rowOf[n].resize(end_[n] - start_[n]);
+      for (std::size_t i = 0; i < taken.size(); ++i) {
+        if (taken[i].places[n] != kAlone) {
+          rowOf[n][taken[i].places[n] - start_[n]] = i;
         }
-        if ((pairs && result_.ofRight[right] != left) ||
-            (skips && result_.ofRight[right] != kAlone)) {
-          result_.rightDoubtful[right] = true;
+      }
+    }
+    for (const Row<Count>& other : all) {
+      for (std::size_t n = 0; n < Count; ++n) {
+        if (other.places[n] != kAlone) {
+          markDifferences(other, taken[rowOf[n][other.places[n] - start_[n]]]);
         }
       }
     }
   }
 
-  const Costs& costs_;
-  Alignment result_;
+  static void markDifferences(const Row<Count>& other, Row<Count>& row) {
+    for (std::size_t n = 0; n < Count; ++n) {
+      row.doubtful |= other.places[n] != row.places[n] ? 1U << n : 0U;
+    }
+  }
+
+  std::vector<Row<Count>> allAlone() const {
+    std::vector<Row<Count>> rows;
+    for (std::size_t n = 0; n < Count; ++n) {
+      for (std::size_t i = start_[n]; i < end_[n]; ++i) {
+        rows.emplace_back().places.fill(kAlone);
+        rows.back().places[n] = i;
+        rows.back().doubtful = kAll<Count>;
+      }
+    }
+    return rows;
+  }
+
+  const Costs<Count>& costs_;
+  const Places<Count> start_;
+  const Places<Count> end_;
+  std::vector<Node> nodes_;
+  std::vector<Layer> layers_;
 };
 
 }  // namespace
 
-Alignment align(const Costs& costs) {
-  return Aligner(costs).run();
+template <std::size_t Count>
+std::vector<Row<Count>> align(const Costs<Count>& costs) {
+  std::vector<Row<Count>> rows;
+  Places<Count> from{};
+  while (from != costs.lengths) {
+    const std::optional<Places<Count>> sure = costs.nextSure(from);
+    const Places<Count> end = sure.value_or(costs.lengths);
+    if (from != end) {
+      const std::vector<Row<Count>> between = Stretch<Count>(costs, from, end).rows();
+      rows.insert(rows.end(), between.begin(), between.end());
+    }
+    if (!sure) {
+      break;
+    }
+    rows.push_back(rowAt(kAll<Count>, end));
+    from = behind(kAll<Count>, end);
+  }
+  return rows;
 }
+
+template std::vector<Row<2>> align(const Costs<2>& costs);
+template std::vector<Row<4>> align(const Costs<4>& costs);
 
 }  // namespace watch

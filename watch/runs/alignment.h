@@ -1,10 +1,13 @@
-// Lays two sequences beside each other, of which each has gaps: the partners that cost least, and
-// what else would have cost the same.
+// Lays several sequences beside each other, each of which may have gaps: the rows that cost least
+// together, and what else would have cost the same. A row takes the next element of some of the
+// sequences.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace watch {
@@ -12,30 +15,65 @@ namespace watch {
 inline constexpr std::size_t kAlone = std::numeric_limits<std::size_t>::max();
 inline constexpr int kImpossible = std::numeric_limits<int>::max();
 
-/// What is known of the two sequences, by places in them.
+/// A set of sequences: the bit 1 << n stands for the sequence n.
+using Members = unsigned;
+
+/// A place in each sequence.
+template <std::size_t Count>
+using Places = std::array<std::size_t, Count>;
+
+/// What is known of the sequences.
+template <std::size_t Count>
 struct Costs {
-  std::size_t lefts = 0;
-  std::size_t rights = 0;
-  /// What it costs to take the two for partners, or kImpossible.
-  std::function<int(std::size_t left, std::size_t right)> pair;
-  /// What it costs to leave one alone.
-  std::function<int(std::size_t left)> left;
-  std::function<int(std::size_t right)> right;
-  /// Whether the two are partners beyond doubt. Must cost nothing then.
-  std::function<bool(std::size_t left, std::size_t right)> isSure;
+  Places<Count> lengths{};
+  /// What a row costs that takes the elements at `places` of the sequences in `members`, or
+  /// kImpossible. Never less than 0.
+  std::function<int(Members members, const Places<Count>& places)> row;
+  /// What all rows from `places` to before `ends` cost at least.
+  std::function<int(const Places<Count>& places, const Places<Count>& ends)> atLeast;
+  /// The next row, from `places` on, that takes an element of each sequence beyond doubt.
+  std::function<std::optional<Places<Count>>(const Places<Count>& places)> nextSure;
 };
 
-struct Alignment {
-  /// The partner of each left, or kAlone; and of each right.
-  std::vector<std::size_t> ofLeft;
-  std::vector<std::size_t> ofRight;
-  /// Another choice would have cost the same.
-  std::vector<bool> leftDoubtful;
-  std::vector<bool> rightDoubtful;
+template <std::size_t Count>
+struct Row {
+  /// kAlone where the row takes none.
+  Places<Count> places{};
+  /// The sequences of which it could have taken another element, or none, or one, at the same cost.
+  Members doubtful = 0;
 };
 
-/// Takes time in proportion to the lengths, but between two partners beyond doubt in proportion to
-/// the product of the lengths there.
-Alignment align(const Costs& costs);
+/// Returns the rows, in which each element is once and in its order. Takes time in proportion to the
+/// lengths as long as few ways cost about the same.
+template <std::size_t Count>
+std::vector<Row<Count>> align(const Costs<Count>& costs);
+
+/// Returns the places behind a row.
+template <std::size_t Count>
+Places<Count> behind(Members members, Places<Count> places) {
+  for (std::size_t n = 0; n < Count; ++n) {
+    places[n] += members >> n & 1U;
+  }
+  return places;
+}
+
+/// Returns the place near `expected`, from `from` to before `end`, of which alone `isSought` is
+/// true.
+template <class IsSought>
+std::optional<std::size_t> findOnly(std::size_t expected, std::size_t from, std::size_t end,
+                                    IsSought isSought) {
+  constexpr std::size_t kReach = 24;
+  std::optional<std::size_t> found;
+  for (std::size_t i = expected > from + kReach ? expected - kReach : from;
+       i < end && i <= expected + kReach; ++i) {
+    if (isSought(i)) {
+      if (found) {
+        return std::nullopt;
+      }
+      found = i;
+    }
+  }
+  return found;
+}
 
 }  // namespace watch

@@ -63,12 +63,12 @@ class RunMaker {
       run.result = result->from;
       run.unitBps = result->unitBps;
     }
-    run.write = judge(rateFacts(evidence_.forward.all, lines.test.forward, evidence_.forwardReport,
+    run.write = judge(rateFacts(evidence_.forward.all, lines.forward, evidence_.forwardReport,
                                 result != nullptr && result->write));
-    run.read = judge(rateFacts(evidence_.reverse.all, lines.test.reverse, evidence_.reverseReport,
+    run.read = judge(rateFacts(evidence_.reverse.all, lines.reverse, evidence_.reverseReport,
                                result != nullptr && result->read));
-    takeTest(evidence_.reverse.all, lines.test.reverse, run, run.reverse);
-    takeTest(evidence_.forward.all, lines.test.forward, run, run.forward);
+    takeTest(evidence_.reverse.all, lines.reverse, run, run.reverse);
+    takeTest(evidence_.forward.all, lines.forward, run, run.forward);
     takePing(i, run);
     run.unsure = doubtsOf(i, run);
     run.runClass = classOf(run);
@@ -153,8 +153,9 @@ class RunMaker {
         doubts += (doubts.empty() ? "" : "; ") + doubt;
       }
     };
-    add(lines_[i].testDoubtful, "its iperf3 lines could be those of a run beside it");
+    add(lines_[i].testsDoubtful, "its iperf3 lines could be those of a run beside it");
     add(lines_[i].pingsDoubtful, "its ping line could be that of a run beside it");
+    add(lines_[i].resultDoubtful, "its result could be that of a run beside it");
     add(run.write.state == RateState::unknown || run.read.state == RateState::unknown,
         "a line of its history is lost");
     add(!outputs_.of[i].doubt.empty(), outputs_.of[i].doubt);

@@ -1,21 +1,32 @@
 #include "runs/lines.h"
 
-#include "runs/alignment.h"
-
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 namespace watch {
 
 namespace {
 
-/// Costs of what does not happen in a run that comes to its end. Lost lines are rarer than runs
-/// that were ended, and these rarer than a clock that was set.
+/// What a run costs that is other than one that came to its end, by how rare that is.
 constexpr int kRunEndedBefore = 10;
 constexpr int kLineLost = 20;
-constexpr int kClockWasSet = 5;
+constexpr int kTimesDisagree = 12;
+constexpr int kLineRepeated = 5;
 
+/// The order in which a run writes its lines.
+enum Sequence : std::size_t { kPing, kForward, kReverse, kResult, kSequences };
+using LinePlaces = Places<kSequences>;
+constexpr Members kAllSequences = (1U << kSequences) - 1;
+
+constexpr Members member(Sequence sequence) {
+  return 1U << sequence;
+}
+
+/// iperf3 connects in a moment, or waits for an answer for two minutes.
+constexpr std::int64_t kLongestConnecting = 130;
+/// A clock that is read twice shows two seconds, or the first reading is that of a second before.
 constexpr std::int64_t kSecondsOfDoubt = 2;
 /// A ping of ten with the adapter's limits takes 50 s at most; more pings take longer.
 constexpr std::int64_t kLongestPing = 120;
@@ -32,115 +43,233 @@ std::vector<PingGroup> groupPings(const std::vector<PingLine>& lines) {
   return groups;
 }
 
+/// When a test was: from when to when it may have begun.
+struct Span {
+  LocalTime first;
+  LocalTime last;
+};
+
+/// A line without a start has a time when its run moved it to the archive: the stamp is the start of
+/// that run, or a moment in it.
+std::vector<std::optional<Span>> spansOf(const Lines<Iperf3Line>& lines) {
+  constexpr std::int64_t kLongestRun = 300;
+  std::vector<std::optional<Span>> spans(lines.all.size());
+  for (const Filled& archive : lines.filled) {
+    spans[archive.line] = Span{archive.stamp, {archive.stamp.seconds + kLongestRun}};
+  }
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    if (lines.all[i].start) {
+      const LocalTime start = localTime(*lines.all[i].start);
+      spans[i] = Span{start, start};
+    }
+  }
+  return spans;
+}
+
 /// Whether a rate of a result, in its unit, can be that of a line: one rounds it, one cuts it.
 bool showsRate(const std::optional<std::uint64_t>& shown, std::uint64_t unitBps,
-               const Iperf3Line* line) {
-  if (line == nullptr) {
-    return true;
-  }
+               const Iperf3Line& line) {
   if (!shown) {
-    return line->bps == 0;
+    return line.bps == 0;
   }
   const double least = static_cast<double>(*shown) * static_cast<double>(unitBps);
-  return line->connected() && line->bps >= least - 1 &&
-         line->bps <= least + static_cast<double>(unitBps);
+  return line.connected() && line.bps >= least - 1 &&
+         line.bps <= least + static_cast<double>(unitBps);
 }
 
-bool isSoon(std::int64_t seconds) {
-  return seconds >= 0 && seconds <= kLongestPing;
+bool isWithin(std::int64_t seconds, std::int64_t least, std::int64_t most) {
+  return seconds >= least && seconds <= most;
 }
 
-class Joiner {
+/// A reverse test begins when the forward one has ended, at its limit at the latest, and the tester
+/// has waited. A minute is the iperf3 adapter's limit beyond the time of a test; connecting may
+/// take two more.
+bool followsSoon(const Iperf3Line& forward, const Iperf3Line& reverse) {
+  constexpr EpochSeconds kLimits = 240;
+  const EpochSeconds duration = forward.duration.value_or(0);
+  return isWithin(*reverse.start - *forward.start, duration, 2 * duration + kLimits);
+}
+
+/// How many elements before each place are of a kind.
+class Count {
  public:
-  explicit Joiner(const Evidence& evidence)
-      : evidence_(evidence),
-        results_(evidence.results.all),
-        tests_(pairTests(evidence)),
-        groups_(groupPings(evidence.pings.all)) {
-    for (std::size_t i = 0; i < results_.size(); ++i) {
-      if (results_[i].date) {
-        dated_.push_back(i);
-      }
+  template <class IsCounted>
+  Count(std::size_t length, IsCounted isCounted) : before_(length + 1) {
+    for (std::size_t i = 0; i < length; ++i) {
+      before_[i + 1] = before_[i] + (isCounted(i) ? 1 : 0);
     }
   }
+  int between(std::size_t first, std::size_t end) const { return before_[end] - before_[first]; }
 
-  /// Returns the runs in the order of the histories.
+ private:
+  std::vector<int> before_;
+};
+
+class LineJoiner {
+ public:
+  explicit LineJoiner(const Evidence& evidence)
+      : evidence_(evidence),
+        forward_(evidence.forward.all),
+        reverse_(evidence.reverse.all),
+        results_(evidence.results.all),
+        groups_(groupPings(evidence.pings.all)),
+        forwardSpans_(spansOf(evidence.forward)),
+        dated_(results_.size(), [&](std::size_t i) { return results_[i].date.has_value(); }),
+        showWrite_(results_.size(), [&](std::size_t i) { return results_[i].write.has_value(); }),
+        showRead_(results_.size(), [&](std::size_t i) { return results_[i].read.has_value(); }) {}
+
   std::vector<RunLines> join() const {
-    const Alignment tests = alignTests();
-    const Alignment groups = alignPings();
-    std::vector<RunLines> finished(results_.size());
-    for (std::size_t i = 0; i < results_.size(); ++i) {
-      finished[i].result = i;
-      finished[i].testDoubtful = tests.leftDoubtful[i];
-      if (tests.ofLeft[i] != kAlone) {
-        finished[i].test = tests_[tests.ofLeft[i]];
-      }
+    const Costs<kSequences> costs = {
+        {groups_.size(), forward_.size(), reverse_.size(), results_.size()},
+        [&](Members members, const LinePlaces& at) { return costOf(members, at); },
+        [&](const LinePlaces& from, const LinePlaces& end) { return costAtLeast(from, end); },
+        [&](const LinePlaces& from) { return nextSureRun(from); }};
+    std::vector<RunLines> runs;
+    runs.reserve(results_.size());
+    for (const Row<kSequences>& row : align(costs)) {
+      runs.push_back(linesOf(row));
     }
-    for (std::size_t d = 0; d < dated_.size(); ++d) {
-      finished[dated_[d]].pingsDoubtful = groups.leftDoubtful[d];
-      if (groups.ofLeft[d] != kAlone) {
-        finished[dated_[d]].pings = groups_[groups.ofLeft[d]];
-      }
-    }
-    return insert(std::move(finished), endedRuns(tests, groups));
+    placeByTime(runs);
+    return runs;
   }
 
  private:
-  /// A run that was ended, and the place of the result before it, from 1 on; 0 without one.
-  struct Ended {
-    std::size_t after;
-    RunLines lines;
-  };
-
-  const Iperf3Line* forward(const Test& test) const {
-    return test.forward == kAlone ? nullptr : &evidence_.forward.all[test.forward];
-  }
-  const Iperf3Line* reverse(const Test& test) const {
-    return test.reverse == kAlone ? nullptr : &evidence_.reverse.all[test.reverse];
-  }
-
-  bool agrees(std::size_t result, const Test& test) const {
-    return showsRate(results_[result].write, results_[result].unitBps, forward(test)) &&
-           showsRate(results_[result].read, results_[result].unitBps, reverse(test));
-  }
-
-  /// Whether the date of the result is the start of the forward test; nothing when one is missing.
-  std::optional<bool> datesAgree(std::size_t result, const Test& test) const {
-    const Iperf3Line* const line = forward(test);
-    if (!results_[result].date || line == nullptr || !line->start) {
-      return std::nullopt;
+  RunLines linesOf(const Row<kSequences>& row) const {
+    RunLines run;
+    if (row.places[kPing] != kAlone) {
+      run.pings = groups_[row.places[kPing]];
     }
-    return std::abs(localTime(*line->start).seconds - results_[result].date->seconds) <=
-           kSecondsOfDoubt;
+    run.forward = row.places[kForward];
+    run.reverse = row.places[kReverse];
+    run.result = row.places[kResult];
+    run.pingsDoubtful = (row.doubtful & member(kPing)) != 0;
+    run.testsDoubtful = (row.doubtful & (member(kForward) | member(kReverse))) != 0;
+    run.resultDoubtful = (row.doubtful & member(kResult)) != 0;
+    return run;
   }
 
-  int testCost(std::size_t result, const Test& test) const {
-    if (!agrees(result, test)) {
+  /// Nothing but the time tells where a run was that has left only a ping line, beside runs that have
+  /// left none.
+  void placeByTime(std::vector<RunLines>& runs) const {
+    for (std::size_t i = 1; i < runs.size(); ++i) {
+      for (std::size_t place = i; place > 0 && isWrongOrder(runs[place - 1], runs[place]); --place) {
+        std::swap(runs[place - 1], runs[place]);
+      }
+    }
+  }
+
+  bool isWrongOrder(const RunLines& one, const RunLines& next) const {
+    if (one.pings && one.isPingAlone() && !next.pings) {
+      const auto test = startOf(next);
+      return test && *test < startOf(*one.pings);
+    }
+    if (next.pings && next.isPingAlone() && !one.pings) {
+      const auto test = startOf(one);
+      return test && startOf(*next.pings) < *test;
+    }
+    return false;
+  }
+
+  LocalTime startOf(const PingGroup& pings) const { return evidence_.pings.all[pings.first].start; }
+  std::optional<LocalTime> startOf(const RunLines& run) const {
+    return run.forward != kAlone && forwardSpans_[run.forward]
+               ? std::optional(forwardSpans_[run.forward]->first)
+               : std::nullopt;
+  }
+
+  int costOf(Members members, const LinePlaces& at) const {
+    const std::optional<std::size_t> ping = placeOf(kPing, members, at);
+    const std::optional<std::size_t> forward = placeOf(kForward, members, at);
+    const std::optional<std::size_t> reverse = placeOf(kReverse, members, at);
+    int cost = 0;
+    const auto add = [&](int more) {
+      cost = cost == kImpossible || more == kImpossible ? kImpossible : cost + more;
+    };
+    if (const auto result = placeOf(kResult, members, at)) {
+      const bool hadTests = forward || reverse;
+      add(pingOfResult(ping, *result));
+      add(rateOfResult(forward_, forward, results_[*result].write, *result, hadTests));
+      add(rateOfResult(reverse_, reverse, results_[*result].read, *result, hadTests));
+      add(forward ? dateOfResult(*forward, *result) : 0);
+    } else {
+      add(kRunEndedBefore + (reverse && !forward ? kLineLost : 0));
+      add(ping && forward ? pingOfTest(*ping, *forward) : 0);
+    }
+    add(forward && reverse ? bothDirections(*forward, *reverse) : 0);
+    return cost;
+  }
+
+  static std::optional<std::size_t> placeOf(Sequence sequence, Members members,
+                                            const LinePlaces& at) {
+    return (members & member(sequence)) != 0 ? std::optional(at[sequence]) : std::nullopt;
+  }
+
+  // What the parts of a run cost.
+
+  int pingOfResult(std::optional<std::size_t> ping, std::size_t result) const {
+    if (!results_[result].date) {
+      return ping ? kImpossible : 0;
+    }
+    if (!ping) {
+      return kLineLost;
+    }
+    if (!hasLatency(result, groups_[*ping])) {
       return kImpossible;
     }
-    const int lost =
-        (test.forward == kAlone ? kLineLost : 0) + (test.reverse == kAlone ? kLineLost : 0);
-    return lost + (datesAgree(result, test).value_or(true) ? 0 : kClockWasSet);
+    return isWithin(pingSeconds(*ping, *results_[result].date), 0, kLongestPing) ? 0
+                                                                                 : kTimesDisagree;
   }
 
-  bool isSureTest(std::size_t result, const Test& test) const {
-    if (test.forward == kAlone || test.reverse == kAlone || !agrees(result, test)) {
-      return false;
+  int rateOfResult(const std::vector<Iperf3Line>& lines, std::optional<std::size_t> line,
+                   const std::optional<std::uint64_t>& shown, std::size_t result,
+                   bool hadTests) const {
+    if (!line) {
+      return shown || hadTests ? kLineLost : 0;
     }
-    const ResultLine& line = results_[result];
-    return datesAgree(result, test)
-        .value_or(line.unitBps == 1 && line.write.value_or(0) > 0 && line.read.value_or(0) > 0);
+    if (showsRate(shown, results_[result].unitBps, lines[*line])) {
+      return 0;
+    }
+    return isRepeated(lines, *line) ? kLineRepeated : kImpossible;
   }
 
-  Alignment alignTests() const {
-    return align(
-        {results_.size(), tests_.size(),
-         [&](std::size_t r, std::size_t t) { return testCost(r, tests_[t]); },
-         [&](std::size_t r) {
-           return (results_[r].write ? kLineLost : 0) + (results_[r].read ? kLineLost : 0);
-         },
-         [&](std::size_t t) { return tests_[t].forward == kAlone ? kLineLost : kRunEndedBefore; },
-         [&](std::size_t r, std::size_t t) { return isSureTest(r, tests_[t]); }});
+  int dateOfResult(std::size_t forward, std::size_t result) const {
+    if (!results_[result].date || !forwardSpans_[forward] || isRepeated(forward_, forward)) {
+      return 0;
+    }
+    return canBe(*results_[result].date, *forwardSpans_[forward], -kSecondsOfDoubt,
+                 kLongestConnecting)
+               ? 0
+               : kTimesDisagree;
+  }
+
+  /// Without a time of the test, two runs that were ended are as likely as one.
+  int pingOfTest(std::size_t ping, std::size_t forward) const {
+    if (!forwardSpans_[forward]) {
+      return kRunEndedBefore;
+    }
+    const LocalTime start = evidence_.pings.all[groups_[ping].first].start;
+    return canBe(start, *forwardSpans_[forward], 0, kLongestPing + kLongestConnecting)
+               ? 0
+               : kImpossible;
+  }
+
+  /// Whether a test began from `least` to `most` seconds after `moment`.
+  static bool canBe(LocalTime moment, const Span& test, std::int64_t least, std::int64_t most) {
+    return test.last.seconds >= moment.seconds + least &&
+           test.first.seconds <= moment.seconds + most;
+  }
+
+  int bothDirections(std::size_t forward, std::size_t reverse) const {
+    if (!forward_[forward].start || !reverse_[reverse].start || isRepeated(forward_, forward) ||
+        isRepeated(reverse_, reverse)) {
+      return 0;
+    }
+    return followsSoon(forward_[forward], reverse_[reverse]) ? 0 : kTimesDisagree;
+  }
+
+  /// A run that could not replace the line of its test has added that of the run before once more.
+  static bool isRepeated(const std::vector<Iperf3Line>& lines, std::size_t line) {
+    return line > 0 && isSameTest(lines[line], lines[line - 1]);
   }
 
   /// The latency of a result is the last ping line's, without its fraction.
@@ -153,125 +282,104 @@ class Joiner {
            std::trunc(avg - kHalfThousandth) == shown;
   }
 
-  std::int64_t pingSeconds(std::size_t result, const PingGroup& group) const {
-    return results_[result].date->seconds - evidence_.pings.all[group.first].start.seconds;
+  std::int64_t pingSeconds(std::size_t ping, LocalTime until) const {
+    return until.seconds - evidence_.pings.all[groups_[ping].first].start.seconds;
   }
 
-  Alignment alignPings() const {
-    return align(
-        {dated_.size(), groups_.size(),
-         [&](std::size_t d, std::size_t g) {
-           if (!hasLatency(dated_[d], groups_[g])) {
-             return kImpossible;
-           }
-           return isSoon(pingSeconds(dated_[d], groups_[g])) ? 0 : kClockWasSet;
-         },
-         [](std::size_t) { return kLineLost; }, [](std::size_t) { return kRunEndedBefore; },
-         [&](std::size_t d, std::size_t g) {
-           return hasLatency(dated_[d], groups_[g]) && isSoon(pingSeconds(dated_[d], groups_[g])) &&
-                  (g + 1 == groups_.size() || pingSeconds(dated_[d], groups_[g + 1]) < 0);
-         }});
+  /// More tests than results, or more pings than results with a date, are of runs that were ended;
+  /// fewer are lost.
+  int costAtLeast(const LinePlaces& from, const LinePlaces& end) const {
+    const auto left = [&](Sequence sequence) {
+      return static_cast<int>(end[sequence] - from[sequence]);
+    };
+    const auto count = [&](const Count& counted) {
+      return counted.between(from[kResult], end[kResult]);
+    };
+    const int ended = std::max({left(kForward) - left(kResult), left(kReverse) - left(kResult),
+                                left(kPing) - count(dated_), 0});
+    const int lost = std::max(count(dated_) - left(kPing), 0) +
+                     std::max(count(showWrite_) - left(kForward), 0) +
+                     std::max(count(showRead_) - left(kReverse), 0);
+    return kRunEndedBefore * ended + kLineLost * lost;
   }
 
-  std::vector<Ended> endedTests(const Alignment& tests) const {
-    std::vector<Ended> ended;
-    std::size_t after = 0;
-    for (std::size_t t = 0; t < tests_.size(); ++t) {
-      if (tests.ofRight[t] != kAlone) {
-        after = tests.ofRight[t] + 1;
-      } else {
-        RunLines lines;
-        lines.test = tests_[t];
-        lines.testDoubtful = tests.rightDoubtful[t];
-        ended.push_back({after, lines});
+  // Runs beyond doubt: nothing is missing, all times and figures agree, and no line near does as
+  // well.
+
+  /// The next lines of all histories are mostly those of such a run. Lines further on have to be
+  /// followed by those of another one: a wrong clock can make one agree by chance.
+  std::optional<LinePlaces> nextSureRun(const LinePlaces& from) const {
+    if (isSureRun(from, from)) {
+      return from;
+    }
+    for (std::size_t result = from[kResult]; result < results_.size(); ++result) {
+      const std::optional<LinePlaces> at = sureRunOf(result, from);
+      if (at && isSureRun(behind(kAllSequences, *at), from)) {
+        return at;
       }
     }
-    return ended;
+    return std::nullopt;
   }
 
-  std::vector<Ended> endedPings(const Alignment& groups) const {
-    std::vector<Ended> ended;
-    std::size_t after = 0;
-    for (std::size_t g = 0; g < groups_.size(); ++g) {
-      if (groups.ofRight[g] != kAlone) {
-        after = dated_[groups.ofRight[g]] + 1;
-      } else {
-        RunLines lines;
-        lines.pings = groups_[g];
-        lines.pingsDoubtful = groups.rightDoubtful[g];
-        ended.push_back({after, lines});
-      }
-    }
-    return ended;
+  bool isSureRun(const LinePlaces& at, const LinePlaces& from) const {
+    return at[kResult] < results_.size() && sureRunOf(at[kResult], from) == at;
   }
 
-  bool startsSoonAfter(const Ended& test, const Ended& ping) const {
-    const Iperf3Line* const line = forward(test.lines.test);
-    return line != nullptr && line->start &&
-           isSoon(localTime(*line->start).seconds -
-                  evidence_.pings.all[ping.lines.pings->first].start.seconds);
+  std::optional<LinePlaces> sureRunOf(std::size_t result, const LinePlaces& from) const {
+    const ResultLine& line = results_[result];
+    if (!line.date || line.write.value_or(0) == 0 || line.read.value_or(0) == 0) {
+      return std::nullopt;
+    }
+    LinePlaces at;
+    at[kResult] = result;
+    const auto find = [&](Sequence sequence, std::size_t length, auto isSure) {
+      const std::size_t expected = from[sequence] + (result - from[kResult]);
+      const auto found = findOnly(expected, from[sequence], length, isSure);
+      at[sequence] = found.value_or(kAlone);
+      return found.has_value();
+    };
+    const bool isSure =
+        find(kForward, forward_.size(),
+             [&](std::size_t i) { return isSureForward(i, result); }) &&
+        find(kReverse, reverse_.size(),
+             [&](std::size_t i) { return isSureReverse(i, at[kForward], result); }) &&
+        find(kPing, groups_.size(), [&](std::size_t i) { return isSurePing(i, result); });
+    return isSure ? std::optional(at) : std::nullopt;
   }
 
-  /// Returns the runs without a result. A ping and a test of one run were written one after the
-  /// other.
-  std::vector<Ended> endedRuns(const Alignment& testsOfResults,
-                               const Alignment& pingsOfResults) const {
-    const std::vector<Ended> pings = endedPings(pingsOfResults);
-    std::vector<Ended> ended = endedTests(testsOfResults);
-    const Alignment pairs = align(
-        {pings.size(), ended.size(),
-         [&](std::size_t p, std::size_t t) {
-           const Iperf3Line* const line = forward(ended[t].lines.test);
-           const bool mayBe = line != nullptr && !line->start && pings[p].after <= ended[t].after;
-           return startsSoonAfter(ended[t], pings[p]) ? 0 : mayBe ? kClockWasSet : kImpossible;
-         },
-         [](std::size_t) { return kRunEndedBefore; }, [](std::size_t) { return kRunEndedBefore; },
-         [&](std::size_t p, std::size_t t) { return startsSoonAfter(ended[t], pings[p]); }});
-    for (std::size_t p = 0; p < pings.size(); ++p) {
-      if (pairs.ofLeft[p] == kAlone) {
-        ended.push_back(pings[p]);
-      } else {
-        Ended& run = ended[pairs.ofLeft[p]];
-        run.lines.pings = pings[p].lines.pings;
-        run.lines.pingsDoubtful = pings[p].lines.pingsDoubtful || pairs.leftDoubtful[p];
-        run.after = std::max(run.after, pings[p].after);
-      }
-    }
-    std::ranges::stable_sort(ended, {}, &Ended::after);
-    return ended;
+  bool isSureForward(std::size_t forward, std::size_t result) const {
+    const ResultLine& line = results_[result];
+    return forward_[forward].start &&
+           canBe(*line.date, *forwardSpans_[forward], -kSecondsOfDoubt, kSecondsOfDoubt) &&
+           showsRate(line.write, line.unitBps, forward_[forward]);
   }
 
-  static std::vector<RunLines> insert(std::vector<RunLines> finished,
-                                      const std::vector<Ended>& ended) {
-    if (ended.empty()) {
-      return finished;
-    }
-    std::vector<RunLines> all;
-    all.reserve(finished.size() + ended.size());
-    auto next = ended.begin();
-    for (std::size_t i = 0; i <= finished.size(); ++i) {
-      for (; next != ended.end() && next->after == i; ++next) {
-        all.push_back(next->lines);
-      }
-      if (i < finished.size()) {
-        all.push_back(finished[i]);
-      }
-    }
-    return all;
+  bool isSureReverse(std::size_t reverse, std::size_t forward, std::size_t result) const {
+    const ResultLine& line = results_[result];
+    return reverse_[reverse].start && followsSoon(forward_[forward], reverse_[reverse]) &&
+           showsRate(line.read, line.unitBps, reverse_[reverse]);
+  }
+
+  bool isSurePing(std::size_t ping, std::size_t result) const {
+    return isWithin(pingSeconds(ping, *results_[result].date), 0, kLongestPing) &&
+           hasLatency(result, groups_[ping]);
   }
 
   const Evidence& evidence_;
+  const std::vector<Iperf3Line>& forward_;
+  const std::vector<Iperf3Line>& reverse_;
   const std::vector<ResultLine>& results_;
-  std::vector<Test> tests_;
   std::vector<PingGroup> groups_;
-  /// The results with a date.
-  std::vector<std::size_t> dated_;
+  std::vector<std::optional<Span>> forwardSpans_;
+  Count dated_;
+  Count showWrite_;
+  Count showRead_;
 };
 
 }  // namespace
 
 std::vector<RunLines> joinLines(const Evidence& evidence) {
-  return Joiner(evidence).join();
+  return LineJoiner(evidence).join();
 }
 
 }  // namespace watch

@@ -3,7 +3,6 @@
 
 #include "evidence/evidence.h"
 #include "runs/alignment.h"
-#include "runs/tests.h"
 
 #include <cstddef>
 #include <optional>
@@ -17,15 +16,19 @@ struct PingGroup {
   std::size_t last;
 };
 
-/// The lines of a run by their places in the evidence. The result is kAlone in a run that was
-/// ended.
+/// The lines of a run by their places in the evidence, kAlone where it has none. A run without a
+/// result was ended.
 struct RunLines {
-  std::size_t result = kAlone;
   std::optional<PingGroup> pings;
-  Test test;
-  /// Another choice would have been as good.
-  bool testDoubtful = false;
+  std::size_t forward = kAlone;
+  std::size_t reverse = kAlone;
+  std::size_t result = kAlone;
+  // Whether another choice would have been as good.
   bool pingsDoubtful = false;
+  bool testsDoubtful = false;
+  bool resultDoubtful = false;
+
+  bool isPingAlone() const { return forward == kAlone && reverse == kAlone && result == kAlone; }
 };
 
 /// Returns the runs in the order in which they wrote.

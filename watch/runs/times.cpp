@@ -32,9 +32,9 @@ class FillingStamps {
     };
     own(evidence.results.all.size(), [](const RunLines& run) { return run.result; });
     note(evidence.results.filled);
-    own(evidence.forward.all.size(), [](const RunLines& run) { return run.test.forward; });
+    own(evidence.forward.all.size(), [](const RunLines& run) { return run.forward; });
     note(evidence.forward.filled);
-    own(evidence.reverse.all.size(), [](const RunLines& run) { return run.test.reverse; });
+    own(evidence.reverse.all.size(), [](const RunLines& run) { return run.reverse; });
     note(evidence.reverse.filled);
   }
 
@@ -55,8 +55,8 @@ std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<Run
   std::vector<RunTime> times;
   times.reserve(runs.size());
   for (std::size_t i = 0; i < runs.size(); ++i) {
-    const auto forward = startOf(evidence.forward.all, runs[i].test.forward);
-    const auto reverse = startOf(evidence.reverse.all, runs[i].test.reverse);
+    const auto forward = startOf(evidence.forward.all, runs[i].forward);
+    const auto reverse = startOf(evidence.reverse.all, runs[i].reverse);
     const auto epoch = forward ? forward : reverse;
     if (runs[i].pings) {
       const Moments ping = moments(evidence.pings.all[runs[i].pings->first].start);
