@@ -190,7 +190,7 @@ class LineJoiner {
       add(pingOfResult(ping, *result));
       add(rateOfResult(forward_, forward, results_[*result].write, *result, hadTests));
       add(rateOfResult(reverse_, reverse, results_[*result].read, *result, hadTests));
-      add(forward ? dateOfResult(*forward, *result) : 0);
+      add(forward ? dateOfTest(ping, *forward, *result) : 0);
     } else {
       add(kRunEndedBefore + (reverse && !forward ? kLineLost : 0));
       add(ping && forward ? pingOfTest(*ping, *forward) : 0);
@@ -232,12 +232,16 @@ class LineJoiner {
     return isRepeated(lines, *line) ? kLineRepeated : kImpossible;
   }
 
-  int dateOfResult(std::size_t forward, std::size_t result) const {
-    if (!results_[result].date || !forwardSpans_[forward] || isRepeated(forward_, forward)) {
+  /// A stamp is that of the run's start, unlike the start of a test: the machine may have slept
+  /// before the date.
+  int dateOfTest(std::optional<std::size_t> ping, std::size_t forward, std::size_t result) const {
+    const std::optional<Span>& test = forwardSpans_[forward];
+    if (!results_[result].date || !test || isRepeated(forward_, forward) ||
+        canBe(*results_[result].date, *test, -kSecondsOfDoubt, kLongestConnecting)) {
       return 0;
     }
-    return canBe(*results_[result].date, *forwardSpans_[forward], -kSecondsOfDoubt,
-                 kLongestConnecting)
+    const bool isStamp = !forward_[forward].start;
+    return isStamp && ping && canBe(startOf(groups_[*ping]), *test, 0, kLongestPing)
                ? 0
                : kTimesDisagree;
   }
@@ -247,8 +251,8 @@ class LineJoiner {
     if (!forwardSpans_[forward]) {
       return kRunEndedBefore;
     }
-    const LocalTime start = evidence_.pings.all[groups_[ping].first].start;
-    return canBe(start, *forwardSpans_[forward], 0, kLongestPing + kLongestConnecting)
+    return canBe(startOf(groups_[ping]), *forwardSpans_[forward], 0,
+                 kLongestPing + kLongestConnecting)
                ? 0
                : kImpossible;
   }
@@ -283,7 +287,7 @@ class LineJoiner {
   }
 
   std::int64_t pingSeconds(std::size_t ping, LocalTime until) const {
-    return until.seconds - evidence_.pings.all[groups_[ping].first].start.seconds;
+    return until.seconds - startOf(groups_[ping]).seconds;
   }
 
   /// More tests than results, or more pings than results with a date, are of runs that were ended;
