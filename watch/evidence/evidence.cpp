@@ -67,32 +67,60 @@ struct Part {
   bool goesBack = false;
 };
 
-/// Finds a better place for each part whose times are no guide to it, since the clock was set back
-/// in between, as it is at the end of summer time: where they go on from those before, and those
-/// behind go on from them.
+/// Finds a better place for each part whose times are no guide to it, since the clock was set back,
+/// as it is at the end of summer time: where they go on from those before, and those behind go on
+/// from them.
 template <class Line>
 class OrderMender {
  public:
-  explicit OrderMender(std::vector<Part<Line>>& parts) : parts_(parts) {}
+  explicit OrderMender(std::vector<Part<Line>>& parts)
+      : parts_(parts), longest_(kUsualPauses * usualPause()) {}
 
   void mend() {
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-      if (parts_[i].goesBack) {
-        move(i, betterPlace(i));
-      }
+    constexpr int kMostRounds = 10;
+    int rounds = 0;
+    while (moveAll() && ++rounds < kMostRounds) {
+      // Each move can make room for another one.
     }
   }
 
  private:
-  /// How long nothing was written between two; but a break of a day is as any longer one, or as a
-  /// clock that was set.
-  static std::int64_t pause(const Part<Line>* one, const Part<Line>* next) {
-    constexpr std::int64_t kDay = 24 * 60 * 60;
+  static constexpr std::int64_t kUsualPauses = 4;
+
+  /// The median of the times from the end of a part to the start of the next.
+  std::int64_t usualPause() const {
+    std::vector<std::int64_t> pauses = {0};
+    for (std::size_t i = 1; i < parts_.size(); ++i) {
+      if (parts_[i].first > parts_[i - 1].last) {
+        pauses.push_back(parts_[i].first - parts_[i - 1].last);
+      }
+    }
+    const auto middle = pauses.begin() + static_cast<std::ptrdiff_t>(pauses.size() / 2);
+    std::ranges::nth_element(pauses, middle);
+    return *middle;
+  }
+
+  /// How long nothing was written between two. A long break is as any longer one, or as a clock that
+  /// was set.
+  std::int64_t pause(const Part<Line>* one, const Part<Line>* next) const {
     if (one == nullptr || next == nullptr) {
       return 0;
     }
     const std::int64_t seconds = next->first - one->last;
-    return seconds >= 0 ? std::min(seconds, kDay) : kDay;
+    return seconds >= 0 ? std::min(seconds, longest_) : longest_;
+  }
+
+  /// Moves each part that has a better place. Returns whether there was any.
+  bool moveAll() {
+    bool hasMoved = false;
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      if (parts_[i].goesBack || (i > 0 && parts_[i].first < parts_[i - 1].last)) {
+        const std::size_t place = betterPlace(i);
+        move(i, place);
+        hasMoved = hasMoved || place != i;
+      }
+    }
+    return hasMoved;
   }
 
   const Part<Line>* at(std::size_t place) const {
@@ -100,8 +128,8 @@ class OrderMender {
   }
 
   /// By how much longer the pauses are with `part` between the two.
-  static std::int64_t cost(const Part<Line>* before, const Part<Line>& part,
-                           const Part<Line>* behind) {
+  std::int64_t cost(const Part<Line>* before, const Part<Line>& part,
+                    const Part<Line>* behind) const {
     return pause(before, &part) + pause(&part, behind) - pause(before, behind);
   }
 
@@ -134,6 +162,7 @@ class OrderMender {
   }
 
   std::vector<Part<Line>>& parts_;
+  const std::int64_t longest_;
 };
 
 template <class Line>
@@ -256,8 +285,10 @@ class HistoryReader {
       times.push_back(part.stamp ? format_.timeOfStamp(*part.stamp) : kBeforeAll);
     }
     part.first = times.front();
-    part.last = times.back();
-    part.goesBack = !std::ranges::is_sorted(times);
+    // The last line may have no time, but its run has named the file.
+    part.last = part.stamp ? format_.timeOfStamp(*part.stamp) : times.back();
+    constexpr std::int64_t kLongestRun = 300;
+    part.goesBack = !std::ranges::is_sorted(times) || part.last + kLongestRun < times.back();
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::ranges::nth_element(times, middle);
     part.time = *middle;
