@@ -42,7 +42,7 @@ class RunMaker {
     Run run;
     run.orphan = true;
     run.unsure = orphan.doubt;
-    run.ping = judge(PingFacts{nullptr, &output, false, false});
+    run.ping = judge(PingFacts{.output = &output});
     run.write.state = RateState::off;
     run.read.state = RateState::off;
     run.outputs.push_back(output.from);
@@ -116,7 +116,8 @@ class RunMaker {
       facts.output = &evidence_.outputs[output];
       facts.isRepeated = isRepeated(output);
     }
-    facts.isOpen = !evidence_.keepsOutputs || isAmongOrphans(i);
+    facts.isOpen = outputs_.of[i].isOpen;
+    facts.isOff = !evidence_.keepsOutputs && evidence_.pings.all.empty();
     run.ping = judge(facts);
   }
 
@@ -138,12 +139,6 @@ class RunMaker {
            now.fingerprint == evidence_.outputs[output - 1].fingerprint &&
            now.replies == evidence_.outputs[output - 1].replies &&
            now.target == evidence_.outputs[output - 1].target;
-  }
-
-  bool isAmongOrphans(std::size_t run) const {
-    return std::ranges::any_of(outputs_.orphans, [&](const OrphanOutput& orphan) {
-      return !orphan.doubt.empty() && orphan.doubt == outputs_.of[run].doubt;
-    });
   }
 
   std::string doubtsOf(std::size_t i, const Run& run) const {

@@ -7,12 +7,19 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <optional>
+#include <span>
+#include <utility>
 
 namespace watch {
 
 namespace {
 
 constexpr int kLineLost = 20;
+constexpr Members kBoth = 3;
+// Of a run without a ping line and an output that the tester has not read, what is missing.
+constexpr int kNoOutput = 10;
+constexpr int kRunEndedInRoom = 8;
+constexpr int kRunEndedWithoutRoom = 10;
 
 bool isSameNumber(double one, double other) {
   // The line has rounded it to thousandths.
@@ -35,7 +42,11 @@ class OutputJoiner {
  public:
   OutputJoiner(const Evidence& evidence, const std::vector<RunLines>& runs,
                const std::vector<RunTime>& times)
-      : evidence_(evidence), runs_(runs), times_(times), rhythm_(rhythmOf(times)) {
+      : evidence_(evidence),
+        runs_(runs),
+        times_(times),
+        rhythm_(rhythmOf(times)),
+        rooms_(countRooms()) {
     joined_.of.resize(runs.size());
     for (std::size_t i = 0; i < evidence.outputs.size(); ++i) {
       if (evidence.outputs[i].summaryIsRead) {
@@ -46,21 +57,20 @@ class OutputJoiner {
 
   OutputsOfRuns join() {
     const std::vector<std::size_t> owners = ownersByNumbers();
-    std::size_t run = 0;
-    std::vector<std::size_t> unread;
+    Gap gap = {0, 0, {}, {}};
     for (std::size_t i = 0; i < owners.size(); ++i) {
       if (owners[i] == kAlone) {
-        unread.push_back(i);
+        gap.outputs.push_back(i);
         continue;
       }
       joined_.of[owners[i]].outputs.push_back(i);
       if (hasFirmPlace(owners[i])) {
-        joinBetween(unread, run, owners[i]);
-        unread.clear();
-        run = std::max(run, owners[i]);
+        gap.runEnd = owners[i];
+        join(std::exchange(gap, {std::max(gap.run, owners[i] + 1), 0, {}, {}}));
       }
     }
-    joinBetween(unread, run, runs_.size());
+    gap.runEnd = runs_.size();
+    join(std::move(gap));
     return std::move(joined_);
   }
 
@@ -89,7 +99,6 @@ class OutputJoiner {
     const auto output = [&](std::size_t i) -> const PingOutput& {
       return evidence_.outputs[read_[i]];
     };
-    constexpr Members kBoth = 3;
     return align(Costs<2>{
         {lines.size(), read_.size()},
         [&](Members members, const Places<2>& at) {
@@ -131,69 +140,183 @@ class OutputJoiner {
     return times_[run].start.has_value() && !runs_[run].isPingAlone();
   }
 
-  /// Joins outputs that the tester has not read with the runs from `run` to before `runEnd`: those
-  /// that have no ping line.
-  void joinBetween(const std::vector<std::size_t>& unread, std::size_t run, std::size_t runEnd) {
+  /// The runs without a ping line and the outputs without one, between two runs that have both.
+  struct Gap {
+    std::size_t run;
+    std::size_t runEnd;
+    std::vector<std::size_t> outputs;
     std::vector<std::size_t> silent;
-    for (std::size_t i = run; i < runEnd; ++i) {
+
+    /// In a long row of such runs that is what their pings are like, and one that was ended is the
+    /// exception; a few of them are exceptions themselves.
+    bool isLong() const { return silent.size() >= 12; }
+  };
+
+  void join(Gap gap) {
+    for (std::size_t i = gap.run; i < gap.runEnd; ++i) {
       if (!runs_[i].pings) {
-        silent.push_back(i);
+        gap.silent.push_back(i);
       }
     }
-    if (unread.size() == silent.size()) {
-      const bool certain = !hasRoom(run, runEnd);
-      for (std::size_t i = 0; i < unread.size(); ++i) {
-        joined_.of[silent[i]].outputs.push_back(unread[i]);
-        joined_.of[silent[i]].doubt =
-            certain ? "" : "the ping's output could be of a run that was ended";
-      }
-    } else if (unread.empty()) {
-      for (const std::size_t i : silent) {
-        joined_.of[i].doubt = evidence_.keepsOutputs
-                                  ? "no output of a ping: switched off, or there was no ping"
-                                  : "the outputs of the pings are not kept";
-      }
+    if (gap.silent.size() == gap.outputs.size()) {
+      joinAll(gap);
+    } else if (gap.isLong()) {
+      deal(gap, alignSilent(gap));
     } else {
-      leaveOpen(unread, silent, runEnd);
+      deal(gap, undecided(gap));
     }
   }
 
-  void leaveOpen(const std::vector<std::size_t>& unread, const std::vector<std::size_t>& silent,
-                 std::size_t before) {
-    const std::string doubt =
-        silent.empty() ? ""
-                       : fmt::format("{} outputs of pings for {} runs: it is of one of these",
-                                     unread.size(), silent.size());
-    for (const std::size_t i : silent) {
-      joined_.of[i].doubt = doubt;
-    }
-    for (const std::size_t output : unread) {
-      joined_.orphans.push_back({output, silent.empty() ? before : silent.front(), doubt});
+  void joinAll(const Gap& gap) {
+    const bool isSure = gap.isLong() || (!hasRoom(gap.run, gap.runEnd) && isOrdered(gap.silent));
+    for (std::size_t i = 0; i < gap.silent.size(); ++i) {
+      RunOutputs& run = joined_.of[gap.silent[i]];
+      run.outputs.push_back(gap.outputs[i]);
+      run.doubt = isSure ? "" : "the ping's output could be that of a run beside it";
     }
   }
 
-  /// Whether the rhythm has a hole near the runs without a ping line, where a run can have been
-  /// that left nothing else.
-  bool hasRoom(std::size_t run, std::size_t runEnd) const {
-    std::optional<std::size_t> before;
-    for (std::size_t i = run; i < std::min(runEnd + 1, runs_.size()); ++i) {
-      if (!times_[i].start) {
-        continue;
+  /// Whether a history or the time tells of each two runs which was first.
+  bool isOrdered(const std::vector<std::size_t>& silent) const {
+    for (std::size_t i = 1; i < silent.size(); ++i) {
+      const RunLines& one = runs_[silent[i - 1]];
+      const RunLines& next = runs_[silent[i]];
+      const bool isTold =
+          (one.result != kAlone && next.result != kAlone) ||
+          (one.forward != kAlone && next.forward != kAlone) ||
+          (times_[silent[i - 1]].start && times_[silent[i]].start);
+      if (!isTold) {
+        return false;
       }
-      if (before &&
-          (*times_[i].start < *times_[*before].start ||
-           rhythm_.missedBetween(*times_[*before].start, *times_[i].start) + 1 > i - *before)) {
-        return true;
-      }
-      before = i;
     }
-    return false;
+    return true;
+  }
+
+  /// Each in a row of its own: all are doubtful, if there are runs and outputs.
+  static std::vector<Row<2>> undecided(const Gap& gap) {
+    std::vector<Row<2>> rows;
+    const Members doubtful = gap.silent.empty() || gap.outputs.empty() ? 0 : kBoth;
+    for (std::size_t i = 0; i < gap.outputs.size(); ++i) {
+      rows.push_back({{kAlone, i}, doubtful});
+    }
+    for (std::size_t i = 0; i < gap.silent.size(); ++i) {
+      rows.push_back({{i, kAlone}, doubtful});
+    }
+    return rows;
+  }
+
+  /// Gives the runs of `rows` their outputs, where these are not doubtful.
+  void deal(const Gap& gap, const std::vector<Row<2>>& rows) {
+    std::size_t next = 0;  // of the silent runs
+    for (auto row = rows.begin(); row != rows.end();) {
+      const auto end = std::find_if(row, rows.end(), [&](const Row<2>& other) {
+        return isDoubtful(other) != isDoubtful(*row);
+      });
+      const std::string doubt = isDoubtful(*row) ? doubtOf({row, end}) : "";
+      for (; row != end; ++row) {
+        const std::size_t output = row->places[1] == kAlone ? kAlone : gap.outputs[row->places[1]];
+        const bool isTaken = row->places[0] != kAlone && !isDoubtful(*row);
+        if (row->places[0] != kAlone) {
+          takeOutput(gap.silent[next++], isDoubtful(*row) ? kAlone : output, doubt);
+        }
+        if (output != kAlone && !isTaken) {
+          joined_.orphans.push_back(
+              {output, next < gap.silent.size() ? gap.silent[next] : gap.runEnd, doubt});
+        }
+      }
+    }
+  }
+
+  static bool isDoubtful(const Row<2>& row) { return row.doubtful != 0; }
+
+  static std::string doubtOf(std::span<const Row<2>> rows) {
+    const auto count = [&](std::size_t sequence) {
+      return std::ranges::count_if(
+          rows, [&](const Row<2>& row) { return row.places[sequence] != kAlone; });
+    };
+    return fmt::format("{} outputs of pings for {} runs: it is of one of these", count(1), count(0));
+  }
+
+  void takeOutput(std::size_t run, std::size_t output, const std::string& doubt) {
+    RunOutputs& outputs = joined_.of[run];
+    if (!doubt.empty()) {
+      outputs.isOpen = true;
+      outputs.doubt = doubt;
+    } else if (output != kAlone) {
+      outputs.outputs.push_back(output);
+    } else if (!evidence_.keepsOutputs) {
+      // Without any trace of a ping, it is switched off.
+      outputs.isOpen = !evidence_.pings.all.empty();
+      outputs.doubt = outputs.isOpen ? "the outputs of the pings are not kept" : "";
+    } else {
+      outputs.doubt = "no output of a ping: switched off, or there was no ping";
+    }
+  }
+
+  /// Deals outputs out to silent runs. A run that was ended before it left anything else is likelier
+  /// where the rhythm has room for it.
+  std::vector<Row<2>> alignSilent(const Gap& gap) const {
+    std::vector<bool> roomBefore;
+    std::size_t run = gap.run;
+    for (std::size_t i = 0; i <= gap.silent.size(); ++i) {
+      const std::size_t end = i < gap.silent.size() ? gap.silent[i] : gap.runEnd;
+      roomBefore.push_back(hasRoom(run, end));
+      run = end + 1;
+    }
+    constexpr Members kRun = 1;
+    return align(Costs<2>{{gap.silent.size(), gap.outputs.size()},
+                          [&](Members members, const Places<2>& at) {
+                            if (members == kBoth) {
+                              return 0;
+                            }
+                            return members == kRun       ? kNoOutput
+                                   : roomBefore[at[0]] ? kRunEndedInRoom
+                                                       : kRunEndedWithoutRoom;
+                          },
+                          [](const Places<2>& from, const Places<2>& end) {
+                            const auto runs = static_cast<int>(end[0] - from[0]);
+                            const auto more = static_cast<int>(end[1] - from[1]) - runs;
+                            return more > 0 ? kRunEndedInRoom * more : kNoOutput * -more;
+                          },
+                          [](const Places<2>&) { return std::nullopt; }});
+  }
+
+  /// Whether the rhythm has room for one more run before any from `run` to `end`, which may be behind
+  /// the last.
+  bool hasRoom(std::size_t run, std::size_t end) const {
+    return run <= end && rooms_[end + 1] > rooms_[run];
+  }
+
+  /// Counts the places before each run, and behind the last one, that have room for one more; as far
+  /// as is known, where a time is missing or the clock was set back.
+  std::vector<std::size_t> countRooms() const {
+    std::vector<std::size_t> rooms = {0};
+    const auto addTo = [&](std::size_t run, bool hasRoom) {
+      while (rooms.size() <= run + 1) {
+        rooms.push_back(rooms.back() + (hasRoom ? 1 : 0));
+      }
+    };
+    std::optional<std::size_t> last;
+    for (std::size_t i = 0; i < runs_.size(); ++i) {
+      if (times_[i].start) {
+        addTo(i, !last || isRoomBetween(*last, i));
+        last = i;
+      }
+    }
+    addTo(runs_.size(), true);
+    return rooms;
+  }
+
+  bool isRoomBetween(std::size_t one, std::size_t next) const {
+    return *times_[next].start < *times_[one].start ||
+           rhythm_.missedBetween(*times_[one].start, *times_[next].start) + 1 > next - one;
   }
 
   const Evidence& evidence_;
   const std::vector<RunLines>& runs_;
   const std::vector<RunTime>& times_;
   Rhythm rhythm_;
+  std::vector<std::size_t> rooms_;
   /// The outputs whose summary the tester has read.
   std::vector<std::size_t> read_;
   OutputsOfRuns joined_;

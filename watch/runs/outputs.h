@@ -14,7 +14,9 @@ namespace watch {
 /// The outputs of a run by their places in the evidence.
 struct RunOutputs {
   std::vector<std::size_t> outputs;
-  /// Why the outputs are not certain, or why there are none, in words. Empty when they are certain.
+  /// There may be an output, but which one is not known.
+  bool isOpen = false;
+  /// What it is then, or why there is none, in words. Empty when that is certain.
   std::string doubt;
 };
 

@@ -60,6 +60,7 @@ constexpr Rule<PingState, PingFacts> kPingRules[] = {
     {PingState::noReply, [](const PingFacts& f) { return f.output != nullptr; }},
     {PingState::replied, [](const PingFacts& f) { return f.line != nullptr && !isZeros(*f.line); }},
     {PingState::unknown, [](const PingFacts& f) { return f.line != nullptr || f.isOpen; }},
+    {PingState::off, [](const PingFacts& f) { return f.isOff; }},
     {PingState::noOutput, [](const PingFacts&) { return true; }},
 };
 

@@ -24,6 +24,8 @@ struct PingFacts {
   bool isRepeated = false;
   /// There may be an output, but which one is not known.
   bool isOpen = false;
+  /// No run has left any trace of a ping.
+  bool isOff = false;
 };
 
 Rate judge(const RateFacts& facts);
