@@ -163,6 +163,15 @@ class RunMaker {
   OutputsOfRuns outputs_;
 };
 
+/// Marks the runs that have written last and that may still go on. Longer than these minutes takes
+/// only a run whose settings ask for it, or one that hangs; the usual ones take less than four.
+void markOngoing(std::vector<Run>& runs, EpochSeconds now) {
+  constexpr EpochSeconds kLongestRun = 10 * 60;
+  for (auto run = runs.rbegin(); run != runs.rend() && !run->finished; ++run) {
+    run->ongoing = run->time && *run->time <= now && now < *run->time + kLongestRun;
+  }
+}
+
 /// A run without a time keeps its place behind that before it.
 void sortByTime(std::vector<Run>& runs) {
   std::vector<std::pair<EpochSeconds, std::size_t>> order;
@@ -186,8 +195,11 @@ void sortByTime(std::vector<Run>& runs) {
 
 }  // namespace
 
-std::vector<Run> joinRuns(const Evidence& evidence) {
+std::vector<Run> joinRuns(const Evidence& evidence, std::optional<EpochSeconds> now) {
   std::vector<Run> runs = RunMaker(evidence).make();
+  if (now) {
+    markOngoing(runs, *now);
+  }
   sortByTime(runs);
   return runs;
 }

@@ -22,11 +22,13 @@
 #include "evidence/evidence.h"
 #include "runs/run.h"
 
+#include <optional>
 #include <vector>
 
 namespace watch {
 
 /// Returns the runs in the order of their times. A run without one stands behind that before it.
-std::vector<Run> joinRuns(const Evidence& evidence);
+/// With `now`, the last runs, if they have begun shortly before and have no result, are `ongoing`.
+std::vector<Run> joinRuns(const Evidence& evidence, std::optional<EpochSeconds> now = {});
 
 }  // namespace watch

@@ -168,12 +168,18 @@ class OutputJoiner {
   }
 
   void joinAll(const Gap& gap) {
-    const bool isSure = gap.isLong() || (!hasRoom(gap.run, gap.runEnd) && isOrdered(gap.silent));
+    const bool isSure = gap.isLong() || (!hasRoom(gap.run, lastPlace(gap)) &&
+                                         isOrdered(gap.silent));
     for (std::size_t i = 0; i < gap.silent.size(); ++i) {
       RunOutputs& run = joined_.of[gap.silent[i]];
       run.outputs.push_back(gap.outputs[i]);
       run.doubt = isSure ? "" : "the ping's output could be that of a run beside it";
     }
+  }
+
+  /// Behind the last run there is always room, but that is no sign of one.
+  std::size_t lastPlace(const Gap& gap) const {
+    return gap.runEnd == runs_.size() && gap.runEnd > 0 ? gap.runEnd - 1 : gap.runEnd;
   }
 
   /// Whether a history or the time tells of each two runs which was first.
@@ -299,9 +305,12 @@ class OutputJoiner {
     std::optional<std::size_t> last;
     for (std::size_t i = 0; i < runs_.size(); ++i) {
       if (times_[i].start) {
-        addTo(i, !last || isRoomBetween(*last, i));
+        addTo(i, last && isRoomBetween(*last, i));
         last = i;
       }
+    }
+    if (!runs_.empty()) {
+      addTo(runs_.size() - 1, false);
     }
     addTo(runs_.size(), true);
     return rooms;

@@ -96,6 +96,8 @@ struct Run {
   Class runClass = Class::failed;
   /// It has come to its result line.
   bool finished = false;
+  /// It has not yet, and may still do so. What it has not measured up to now says nothing.
+  bool ongoing = false;
   /// Only the output of a ping, of which no run can be named.
   bool orphan = false;
   /// What else its lines could belong to, in words. Empty when nothing.
