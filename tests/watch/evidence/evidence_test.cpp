@@ -283,6 +283,18 @@ TEST_F(EvidenceOf, TheRestOfAKilledMoveCountsOnce) {
             "archive/ping_history_20261116T050400.log\n");
 }
 
+TEST_F(EvidenceOf, TheRestOfAKilledMoveMayStandBehindTheWhole) {
+  write("archive/ping_history_.log", lines(pingLine, 1, 3));
+  write("archive/ping_history_20261116T050200.log", lines(pingLine, 1, 2));
+
+  EXPECT_EQ(read(),
+            "ping 1 archive/ping_history_.log:1\n"
+            "ping 2 archive/ping_history_.log:2\n"
+            "ping 3 archive/ping_history_.log:3\n"
+            "trouble archive/ping_history_20261116T050200.log:0 all that it holds is in "
+            "archive/ping_history_.log\n");
+}
+
 TEST_F(EvidenceOf, TheRestOfAKilledMoveIsInTheLiveFile) {
   write("archive/ping_history_20261116T050200.log", lines(pingLine, 1, 2));
   write("ping_history.log", lines(pingLine, 1, 3));

@@ -1,10 +1,12 @@
 #include "evidence/log_directory.h"
 
+#include "support/files.h"
 #include "watch/support/log_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fmt/format.h>
 #include <string>
 #include <vector>
@@ -100,6 +102,14 @@ TEST(LogDirectoryFile, IsReadWholeOrItsEnd) {
     EXPECT_TRUE(isWhole);
   }
   EXPECT_THAT(troubles, IsEmpty());
+}
+
+TEST(LogDirectoryFile, MayHoldMoreThanItsSizeSays) {
+  const LogFolder folder;
+  std::filesystem::create_symlink("/proc/self/limits", folder.path() / "file.log");
+  Troubles troubles;
+
+  EXPECT_EQ(folder.directory().read("file.log", troubles), readFile("/proc/self/limits"));
 }
 
 TEST(LogDirectoryFile, ThatIsMissingIsNothing) {

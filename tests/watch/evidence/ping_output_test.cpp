@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <string>
 #include <vector>
@@ -127,6 +128,7 @@ TEST(PingOutput, CountsRepliesThatTellTheirTime) {
       {"64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=", 0},
       {"64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=nan ms", 0},
       {"64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=inf ms", 0},
+      {"64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=-13.9 ms", 0},
       {"64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=1e999 ms", 0},
       {"16 bytes from 192.0.2.10: icmp_seq=1 ttl=57", 0},
       {"From 10.0.0.1 icmp_seq=1 Destination Host Unreachable", 0},
@@ -213,6 +215,8 @@ TEST(PingOutput, IsFoundBehindOneThatWasCutAnywhere) {
 
     ASSERT_EQ(outputs.size(), 2U);
     EXPECT_EQ(outputs[0].sumMs, length >= twoReplies ? 25.75 : length >= oneReply ? 13.5 : 0);
+    EXPECT_EQ(outputs[0].target,
+              first.substr(5, std::min(length, sizeof("PING 192.0.2.10") - 1) - 5));
     EXPECT_EQ(outputs[1].target, "192.0.2.10");
     EXPECT_EQ(outputs[1].sumMs, 25.75);
     EXPECT_EQ(outputs[1].from.first, outputs[0].from.last + (first[length - 1] == '\n' ? 1 : 0));
