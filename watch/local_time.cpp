@@ -11,7 +11,7 @@ namespace watch {
 
 namespace {
 
-constexpr std::int64_t kDay = 24 * 60 * 60;
+constexpr std::int64_t kDay = std::int64_t{24} * 60 * 60;
 
 /// A day that has one offset. Runs come in order of time, so that most questions have the answer of
 /// the one before.
@@ -91,8 +91,8 @@ LocalTime fromCalendar(const Calendar& calendar) {
   const std::chrono::sys_days day = std::chrono::year(calendar.year) /
                                     std::chrono::month(calendar.month) /
                                     std::chrono::day(calendar.day);
-  return {day.time_since_epoch().count() * kDay + calendar.hour * 3600 + calendar.minute * 60 +
-          calendar.second};
+  return {day.time_since_epoch().count() * kDay + std::int64_t{calendar.hour} * 3600 +
+          std::int64_t{calendar.minute} * 60 + calendar.second};
 }
 
 std::optional<LocalTime> parseStamp(std::string_view text) {

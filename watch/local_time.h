@@ -17,6 +17,7 @@ using EpochSeconds = std::int64_t;
 struct LocalTime {
   std::int64_t seconds = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 means the zero of the comparison.
   auto operator<=>(const LocalTime&) const = default;
 };
 

@@ -13,7 +13,7 @@ constexpr int kMostReadings = 5;
 /// Before all times, and far enough from the limits to be subtracted.
 constexpr std::int64_t kBeforeAll = std::numeric_limits<std::int64_t>::min() / 4;
 /// How far before `since` the histories are read, so that the first run of interest has neighbours.
-constexpr std::int64_t kMarginSeconds = 12 * 60 * 60;
+constexpr std::int64_t kMarginSeconds = std::int64_t{12} * 60 * 60;
 
 /// How the lines of a history are read and put into order.
 template <class Line>
@@ -100,8 +100,8 @@ class OrderMender {
     return *middle;
   }
 
-  /// How long nothing was written between two. A long break is as any longer one, or as a clock that
-  /// was set.
+  /// How long nothing was written between two. A long break is as any longer one, or as a clock
+  /// that was set.
   std::int64_t pause(const Part<Line>* one, const Part<Line>* next) const {
     if (one == nullptr || next == nullptr) {
       return 0;
@@ -353,7 +353,7 @@ void readLastOutputs(const LogDirectory& directory, std::size_t count, Evidence&
 std::optional<Iperf3Report> readReport(const LogDirectory& directory, const char* name,
                                        Troubles& troubles) {
   const auto text = directory.read(name, troubles);
-  const auto report = text ? parseIperf3Report(*text) : std::nullopt;
+  std::optional<Iperf3Report> report = text ? parseIperf3Report(*text) : std::nullopt;
   if (text && !text->empty() && !report) {
     troubles.push_back({name, 0, "it is no whole report"});
   }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kArchive[] = "archive/";
 constexpr std::string_view kEnding = ".log";
-constexpr std::size_t kChunk = 256 * 1024;
+constexpr std::size_t kChunk = std::size_t{256} * 1024;
 
 /// An open file. A FIFO or a device, which could block, is refused.
 class OpenFile {
@@ -45,7 +45,7 @@ class OpenFile {
 
   bool isOpen() const { return descriptor_ >= 0; }
   std::size_t size() const { return static_cast<std::size_t>(status_.st_size); }
-  void goTo(std::size_t place) { lseek(descriptor_, static_cast<off_t>(place), SEEK_SET); }
+  void goTo(std::size_t place) const { lseek(descriptor_, static_cast<off_t>(place), SEEK_SET); }
 
   /// Returns how many bytes it has put to `buffer`: 0 at the end, and where reading fails.
   std::size_t read(char* buffer, std::size_t capacity) {
@@ -119,6 +119,16 @@ std::optional<LocalTime> stampOf(std::string_view name, std::size_t kind) {
   return parseStamp(name);
 }
 
+/// Adds `name` to the listing, unless it tells that the file was full before `since`.
+void add(std::string_view name, std::optional<LocalTime> since, Listing& listing) {
+  if (const auto kind = historyOf(name)) {
+    const auto stamp = stampOf(name, *kind);
+    if (!since || !stamp || *stamp >= *since) {
+      listing.of[*kind].push_back({std::string(kArchive).append(name), stamp});
+    }
+  }
+}
+
 }  // namespace
 
 Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) const {
@@ -132,13 +142,7 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
     return listing;
   }
   while (const dirent* const entry = readdir(folder.get())) {
-    const std::string_view name = entry->d_name;
-    if (const auto kind = historyOf(name)) {
-      const auto stamp = stampOf(name, *kind);
-      if (!since || !stamp || *stamp >= *since) {
-        listing.of[*kind].push_back({std::string(kArchive).append(name), stamp});
-      }
-    }
+    add(entry->d_name, since, listing);
   }
   for (std::vector<Archived>& files : listing.of) {
     std::ranges::sort(files, {}, &Archived::name);

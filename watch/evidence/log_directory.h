@@ -5,6 +5,7 @@
 #include "local_time.h"
 #include "log_files.h"
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -32,7 +33,7 @@ struct Archived {
 
 /// The archived files of each of kHistories, ordered by name.
 struct Listing {
-  std::vector<Archived> of[std::size(kHistories)];
+  std::array<std::vector<Archived>, std::size(kHistories)> of;
 
   bool operator==(const Listing&) const = default;
 };

@@ -142,8 +142,8 @@ TEST(LogDirectoryListing, HoldsTheArchivesOfEachHistoryByName) {
   const Archived older = {"archive/ping_history_20261015T050200.log",
                           parseStamp("20261015T050200")};
   const Archived newer = {"archive/ping_history_20261116T050200.log", stamp};
-  EXPECT_EQ(all, (Listing{{{results}, {}, {forward}, {older, newer}}}));
-  EXPECT_EQ(recent, (Listing{{{results}, {}, {forward}, {newer}}}));
+  EXPECT_EQ(all, (Listing{{{{results}, {}, {forward}, {older, newer}}}}));
+  EXPECT_EQ(recent, (Listing{{{{results}, {}, {forward}, {newer}}}}));
   EXPECT_THAT(troubles, IsEmpty());
 }
 
