@@ -1,6 +1,7 @@
 #include "runs/alignment.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace watch {
@@ -10,9 +11,9 @@ namespace {
 /// By how much a way may cost more than the best one so far, to be followed all the same. Without
 /// a margin the best way is found when it costs the least that it can.
 constexpr int kMargins[] = {0, 30, 100};
-/// A stretch between rows beyond doubt that has more places than this is not weighed: its elements
-/// stay alone, and all are doubtful.
-constexpr std::size_t kMostPlaces = 4'000'000;
+/// No more places are weighed than this. What was found with a smaller margin holds then. Where that
+/// is nothing, all elements stay alone, and are doubtful.
+constexpr std::size_t kMostPlaces = 1'000'000;
 
 template <std::size_t Count>
 constexpr Members kAll = (1U << Count) - 1;
@@ -65,82 +66,93 @@ class Stretch {
   std::vector<Row<Count>> rows() {
     const int least = costs_.atLeast(start_, end_);
     for (const int margin : kMargins) {
-      const std::optional<int> cost = weigh(margin);
-      if (cost && *cost <= least + margin) {
+      std::optional<Weighed> weighed = weigh(margin);
+      if (!weighed) {
+        break;
+      }
+      weighed_ = std::move(*weighed);
+      if (weighed_.nodes.back().cost <= least + margin) {
         break;
       }
     }
-    return layers_.size() == layerCount() && !layers_.back().empty() ? walkBack() : allAlone();
+    return weighed_.nodes.empty() ? allAlone() : walkBack();
   }
 
  private:
   struct Node {
     Places<Count> places;
     int cost;
+    /// What a way over these places costs at least.
+    int least;
     bool isOnBestWay = false;
   };
-  /// Nodes of a layer stand together, ordered by their places.
-  struct Layer {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    bool empty() const { return begin == end; }
+  struct Weighed {
+    /// Ordered by layers, and in a layer by places.
+    std::vector<Node> nodes;
+    /// Where each layer begins among the nodes, and where the last one ends.
+    std::vector<std::size_t> layers = {0};
   };
-  using Found = std::vector<Node>;
+  /// What was found of a layer and of those that a row can come to from it.
+  struct Frontier {
+    std::array<std::vector<Node>, Count + 1> found;
+    std::array<int, Count + 1> best;
+
+    Frontier() { best.fill(kImpossible); }
+    void add(std::size_t layer, const Node& node) {
+      found[layer % found.size()].push_back(node);
+      best[layer % best.size()] = std::min(best[layer % best.size()], node.least);
+    }
+  };
 
   std::size_t layerCount() const { return sum(end_) - sum(start_) + 1; }
 
-  /// Finds what it costs to come to each place. Returns the cost of coming to the end.
-  std::optional<int> weigh(int margin) {
-    nodes_.clear();
-    layers_.clear();
-    std::array<Found, Count + 1> found;  // of this layer and those that a row can come to
-    found[0].push_back({start_, 0});
-    std::array<int, Count> best;  // of this layer and those before it that a row leaps over
-    best.fill(kImpossible);
-    for (std::size_t layer = 0; layer < layerCount() && nodes_.size() < kMostPlaces; ++layer) {
-      close(found[layer % found.size()], best, layer, margin);
-      for (std::size_t i = layers_.back().begin; i < layers_.back().end; ++i) {
-        goOn(nodes_[i], layer, found);
+  /// Finds what it costs to come to each place, up to the end. Returns nothing if these are too many.
+  std::optional<Weighed> weigh(int margin) const {
+    Weighed weighed;
+    Frontier frontier;
+    frontier.add(0, nodeAt(start_, 0));
+    for (std::size_t layer = 0; layer < layerCount(); ++layer) {
+      close(frontier, layer, margin, weighed);
+      if (weighed.nodes.size() > kMostPlaces) {
+        return std::nullopt;
+      }
+      for (std::size_t i = weighed.layers[layer]; i < weighed.layers[layer + 1]; ++i) {
+        goOn(weighed.nodes[i], layer, frontier);
       }
     }
-    return layers_.size() < layerCount() || layers_.back().empty()
-               ? std::nullopt
-               : std::optional(nodes_[layers_.back().begin].cost);
+    return weighed;
+  }
+
+  Node nodeAt(const Places<Count>& places, int cost) const {
+    return {places, cost, cost + costs_.atLeast(places, end_)};
   }
 
   /// Keeps what was found of a layer: each place once, and only what may be on the best way.
-  void close(Found& found, std::array<int, Count>& best, std::size_t layer, int margin) {
+  static void close(Frontier& frontier, std::size_t layer, int margin, Weighed& weighed) {
+    std::vector<Node>& found = frontier.found[layer % frontier.found.size()];
     std::ranges::sort(found, [](const Node& one, const Node& other) {
       return std::pair(one.places, one.cost) < std::pair(other.places, other.cost);
     });
     const auto same = std::ranges::unique(found, {}, &Node::places);
     found.erase(same.begin(), same.end());
-    int& bestHere = best[layer % Count];
-    bestHere = kImpossible;
-    for (Node& node : found) {
-      bestHere = std::min(bestHere, node.cost + costs_.atLeast(node.places, end_));
-    }
-    const int bestNear = *std::ranges::min_element(best);
-    layers_.push_back({nodes_.size(), nodes_.size()});
+    const int best = *std::ranges::min_element(frontier.best);
     for (const Node& node : found) {
-      if (node.cost + costs_.atLeast(node.places, end_) <= bestNear + margin) {
-        nodes_.push_back(node);
+      if (node.least <= best + margin) {
+        weighed.nodes.push_back(node);
       }
     }
-    layers_.back().end = nodes_.size();
+    weighed.layers.push_back(weighed.nodes.size());
     found.clear();
+    frontier.best[layer % frontier.best.size()] = kImpossible;
   }
 
-  void goOn(const Node node, std::size_t layer, std::array<Found, Count + 1>& found) {
+  void goOn(const Node& node, std::size_t layer, Frontier& frontier) const {
     for (Members members = 1; members <= kAll<Count>; ++members) {
       const Places<Count> next = behind(members, node.places);
-      if (!isInside(next)) {
-        continue;
-      }
-      const int cost = costs_.row(members, node.places);
+      const int cost = isInside(next) ? costs_.row(members, node.places) : kImpossible;
       if (cost != kImpossible) {
-        const std::size_t to = layer + static_cast<std::size_t>(__builtin_popcount(members));
-        found[to % found.size()].push_back({next, node.cost + cost});
+        frontier.add(layer + static_cast<std::size_t>(std::popcount(members)),
+                     nodeAt(next, node.cost + cost));
       }
     }
   }
@@ -155,9 +167,10 @@ class Stretch {
   }
 
   Node* find(const Places<Count>& places) {
-    const Layer& layer = layers_[sum(places) - sum(start_)];
-    const auto first = nodes_.begin() + static_cast<std::ptrdiff_t>(layer.begin);
-    const auto last = nodes_.begin() + static_cast<std::ptrdiff_t>(layer.end);
+    const std::size_t layer = sum(places) - sum(start_);
+    const auto begin = weighed_.nodes.begin();
+    const auto first = begin + static_cast<std::ptrdiff_t>(weighed_.layers[layer]);
+    const auto last = begin + static_cast<std::ptrdiff_t>(weighed_.layers[layer + 1]);
     const auto found = std::ranges::lower_bound(first, last, places, {}, &Node::places);
     return found != last && found->places == places ? &*found : nullptr;
   }
@@ -167,18 +180,15 @@ class Stretch {
   std::vector<Row<Count>> walkBack() {
     std::vector<Row<Count>> all;
     std::vector<Row<Count>> taken;
-    nodes_.back().isOnBestWay = true;
+    std::vector<Node>& nodes = weighed_.nodes;
+    nodes.back().isOnBestWay = true;
     Places<Count> here = end_;
-    for (std::size_t i = nodes_.size(); i-- > 0;) {
-      if (!nodes_[i].isOnBestWay) {
-        continue;
-      }
-      const bool isTaken = nodes_[i].places == here;
-      for (Members members = kAll<Count>; members > 0; --members) {
-        if (Node* const from = cameFrom(members, nodes_[i])) {
+    for (std::size_t i = nodes.size(); i-- > 0;) {
+      for (Members members = kAll<Count>; members > 0 && nodes[i].isOnBestWay; --members) {
+        if (Node* const from = cameFrom(members, nodes[i])) {
           from->isOnBestWay = true;
           all.push_back(rowAt(members, from->places));
-          if (isTaken && here == nodes_[i].places) {
+          if (here == nodes[i].places) {
             taken.push_back(all.back());
             here = from->places;
           }
@@ -241,8 +251,7 @@ class Stretch {
   const Costs<Count>& costs_;
   const Places<Count> start_;
   const Places<Count> end_;
-  std::vector<Node> nodes_;
-  std::vector<Layer> layers_;
+  Weighed weighed_;
 };
 
 }  // namespace
@@ -252,8 +261,8 @@ std::vector<Row<Count>> align(const Costs<Count>& costs) {
   std::vector<Row<Count>> rows;
   Places<Count> from{};
   while (from != costs.lengths) {
-    const std::optional<Places<Count>> sure = costs.nextSure(from);
-    const Places<Count> end = sure.value_or(costs.lengths);
+    const std::optional<SureRow<Count>> sure = costs.nextSure(from);
+    const Places<Count> end = sure ? sure->places : costs.lengths;
     if (from != end) {
       const std::vector<Row<Count>> between = Stretch<Count>(costs, from, end).rows();
       rows.insert(rows.end(), between.begin(), between.end());
@@ -261,8 +270,8 @@ std::vector<Row<Count>> align(const Costs<Count>& costs) {
     if (!sure) {
       break;
     }
-    rows.push_back(rowAt(kAll<Count>, end));
-    from = behind(kAll<Count>, end);
+    rows.push_back(rowAt(sure->members, end));
+    from = behind(sure->members, end);
   }
   return rows;
 }

@@ -22,6 +22,16 @@ using Members = unsigned;
 template <std::size_t Count>
 using Places = std::array<std::size_t, Count>;
 
+/// A row beyond doubt. Elements before its places are of rows before it, also of sequences of which it
+/// takes none.
+template <std::size_t Count>
+struct SureRow {
+  Members members = 0;
+  Places<Count> places{};
+
+  bool operator==(const SureRow&) const = default;
+};
+
 /// What is known of the sequences.
 template <std::size_t Count>
 struct Costs {
@@ -31,8 +41,8 @@ struct Costs {
   std::function<int(Members members, const Places<Count>& places)> row;
   /// What all rows from `places` to before `ends` cost at least.
   std::function<int(const Places<Count>& places, const Places<Count>& ends)> atLeast;
-  /// The next row, from `places` on, that takes an element of each sequence beyond doubt.
-  std::function<std::optional<Places<Count>>(const Places<Count>& places)> nextSure;
+  /// The next row beyond doubt from `places` on.
+  std::function<std::optional<SureRow<Count>>(const Places<Count>& places)> nextSure;
 };
 
 template <std::size_t Count>
@@ -57,15 +67,14 @@ Places<Count> behind(Members members, Places<Count> places) {
   return places;
 }
 
-/// Returns the place near `expected`, from `from` to before `end`, of which alone `isSought` is
-/// true.
+/// Returns the place from `from` to before `end`, and no further than `reach` from `expected`, of
+/// which alone `isSought` is true.
 template <class IsSought>
 std::optional<std::size_t> findOnly(std::size_t expected, std::size_t from, std::size_t end,
-                                    IsSought isSought) {
-  constexpr std::size_t kReach = 24;
+                                    std::size_t reach, IsSought isSought) {
   std::optional<std::size_t> found;
-  for (std::size_t i = expected > from + kReach ? expected - kReach : from;
-       i < end && i <= expected + kReach; ++i) {
+  for (std::size_t i = expected > from + reach ? expected - reach : from;
+       i < end && i <= expected + reach; ++i) {
     if (isSought(i)) {
       if (found) {
         return std::nullopt;

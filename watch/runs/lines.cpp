@@ -43,6 +43,10 @@ std::vector<PingGroup> groupPings(const std::vector<PingLine>& lines) {
   return groups;
 }
 
+/// How far from its expected place a line is looked for that is sure to be of a run.
+constexpr std::size_t kReach = 16;
+constexpr std::size_t kShortReach = 4;
+
 /// When a test was: from when to when it may have begun.
 struct Span {
   LocalTime first;
@@ -307,54 +311,65 @@ class LineJoiner {
     return kRunEndedBefore * ended + kLineLost * lost;
   }
 
-  // Runs beyond doubt: nothing is missing, all times and figures agree, and no line near does as
+  // Runs beyond doubt: both tests have a rate, all times and figures agree, and no line near does as
   // well.
+
+  using SureRun = SureRow<kSequences>;
 
   /// The next lines of all histories are mostly those of such a run. Lines further on have to be
   /// followed by those of another one: a wrong clock can make one agree by chance.
-  std::optional<LinePlaces> nextSureRun(const LinePlaces& from) const {
-    if (isSureRun(from, from)) {
-      return from;
+  std::optional<SureRun> nextSureRun(const LinePlaces& from) const {
+    if (const std::optional<SureRun> next = sureRunAt(from, from)) {
+      return next;
     }
     for (std::size_t result = from[kResult]; result < results_.size(); ++result) {
-      const std::optional<LinePlaces> at = sureRunOf(result, from);
-      if (at && isSureRun(behind(kAllSequences, *at), from)) {
-        return at;
+      const std::optional<SureRun> run = sureRunOf(result, from);
+      if (run && sureRunAt(behind(run->members, run->places), from)) {
+        return run;
       }
     }
     return std::nullopt;
   }
 
-  bool isSureRun(const LinePlaces& at, const LinePlaces& from) const {
-    return at[kResult] < results_.size() && sureRunOf(at[kResult], from) == at;
+  /// Returns the run whose lines begin at `at`.
+  std::optional<SureRun> sureRunAt(const LinePlaces& at, const LinePlaces& from) const {
+    const auto run = at[kResult] < results_.size() ? sureRunOf(at[kResult], from) : std::nullopt;
+    return run && run->places == at ? run : std::nullopt;
   }
 
-  std::optional<LinePlaces> sureRunOf(std::size_t result, const LinePlaces& from) const {
+  std::optional<SureRun> sureRunOf(std::size_t result, const LinePlaces& from) const {
     const ResultLine& line = results_[result];
-    if (!line.date || line.write.value_or(0) == 0 || line.read.value_or(0) == 0) {
+    if (line.write.value_or(0) == 0 || line.read.value_or(0) == 0) {
       return std::nullopt;
     }
-    LinePlaces at;
-    at[kResult] = result;
+    // A whole unit is no rare figure: there the right one has to be near.
+    const std::size_t reach = line.date || line.unitBps == 1 ? kReach : kShortReach;
+    const std::size_t ahead = result - from[kResult];
     const auto find = [&](Sequence sequence, std::size_t length, auto isSure) {
-      const std::size_t expected = from[sequence] + (result - from[kResult]);
-      const auto found = findOnly(expected, from[sequence], length, isSure);
-      at[sequence] = found.value_or(kAlone);
-      return found.has_value();
+      return findOnly(from[sequence] + ahead, from[sequence], length, reach, isSure);
     };
-    const bool isSure =
-        find(kForward, forward_.size(),
-             [&](std::size_t i) { return isSureForward(i, result); }) &&
-        find(kReverse, reverse_.size(),
-             [&](std::size_t i) { return isSureReverse(i, at[kForward], result); }) &&
-        find(kPing, groups_.size(), [&](std::size_t i) { return isSurePing(i, result); });
-    return isSure ? std::optional(at) : std::nullopt;
+    const auto forward = find(kForward, forward_.size(), [&](std::size_t i) {
+      return isSureForward(i, result);
+    });
+    if (!forward) {
+      return std::nullopt;
+    }
+    const auto reverse = find(kReverse, reverse_.size(), [&](std::size_t i) {
+      return isSureReverse(i, *forward, result);
+    });
+    const auto ping = line.date ? find(kPing, groups_.size(),
+                                       [&](std::size_t i) { return isSurePing(i, result); })
+                                : firstPingBehind(*forward, from[kPing]);
+    return reverse && ping
+               ? std::optional(SureRun{line.date ? kAllSequences : kAllSequences & ~member(kPing),
+                                       {*ping, *forward, *reverse, result}})
+               : std::nullopt;
   }
 
   bool isSureForward(std::size_t forward, std::size_t result) const {
     const ResultLine& line = results_[result];
     return forward_[forward].start &&
-           canBe(*line.date, *forwardSpans_[forward], -kSecondsOfDoubt, kSecondsOfDoubt) &&
+           (!line.date || canBe(*line.date, *forwardSpans_[forward], -kSecondsOfDoubt, kSecondsOfDoubt)) &&
            showsRate(line.write, line.unitBps, forward_[forward]);
   }
 
@@ -367,6 +382,15 @@ class LineJoiner {
   bool isSurePing(std::size_t ping, std::size_t result) const {
     return isWithin(pingSeconds(ping, *results_[result].date), 0, kLongestPing) &&
            hasLatency(result, groups_[ping]);
+  }
+
+  /// Returns the first ping that began behind a test without one.
+  std::optional<std::size_t> firstPingBehind(std::size_t forward, std::size_t from) const {
+    std::size_t ping = from;
+    while (ping < groups_.size() && startOf(groups_[ping]) < forwardSpans_[forward]->first) {
+      ++ping;
+    }
+    return ping;
   }
 
   const Evidence& evidence_;

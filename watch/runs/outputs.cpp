@@ -16,6 +16,8 @@ namespace {
 
 constexpr int kLineLost = 20;
 constexpr Members kBoth = 3;
+/// How far from its expected place an output is looked for.
+constexpr std::size_t kReach = 16;
 // Of a run without a ping line and an output that the tester has not read, what is missing.
 constexpr int kNoOutput = 10;
 constexpr int kRunEndedInRoom = 8;
@@ -115,14 +117,14 @@ class OutputJoiner {
           const auto rights = static_cast<int>(end[1] - from[1]);
           return kLineLost * std::abs(lefts - rights);
         },
-        [&](const Places<2>& from) -> std::optional<Places<2>> {
+        [&](const Places<2>& from) -> std::optional<SureRow<2>> {
           for (std::size_t line = from[0]; line < lines.size(); ++line) {
             const auto found = findOnly(
-                from[1] + (line - from[0]), from[1], read_.size(), [&](std::size_t i) {
+                from[1] + (line - from[0]), from[1], read_.size(), kReach, [&](std::size_t i) {
                   return !isZeros(lines[line]) && hasNumbersOf(lines[line], output(i));
                 });
             if (found) {
-              return Places<2>{line, *found};
+              return SureRow<2>{kBoth, {line, *found}};
             }
           }
           return std::nullopt;
