@@ -12,8 +12,9 @@ namespace {
 /// a margin the best way is found when it costs the least that it can.
 constexpr int kMargins[] = {0, 30, 100};
 /// No more places are weighed than this. What was found with a smaller margin holds then. Where that
-/// is nothing, all elements stay alone, and are doubtful.
+/// is nothing, only the best few places of each layer are, and all is doubtful.
 constexpr std::size_t kMostPlaces = 1'000'000;
+constexpr std::size_t kFewPlaces = 4;
 
 template <std::size_t Count>
 constexpr Members kAll = (1U << Count) - 1;
@@ -75,7 +76,15 @@ class Stretch {
         break;
       }
     }
-    return weighed_.nodes.empty() ? allAlone() : walkBack();
+    if (!weighed_.nodes.empty()) {
+      return walkBack();
+    }
+    weighed_ = *weigh(kMargins[0], kFewPlaces);
+    std::vector<Row<Count>> rows = walkBack();
+    for (Row<Count>& row : rows) {
+      row.doubtful = kAll<Count>;
+    }
+    return rows;
   }
 
  private:
@@ -106,14 +115,15 @@ class Stretch {
 
   std::size_t layerCount() const { return sum(end_) - sum(start_) + 1; }
 
-  /// Finds what it costs to come to each place, up to the end. Returns nothing if these are too many.
-  std::optional<Weighed> weigh(int margin) const {
+  /// Finds what it costs to come to each place, up to the end. Without a limit for each layer, returns
+  /// nothing if these are too many.
+  std::optional<Weighed> weigh(int margin, std::optional<std::size_t> mostOfLayer = {}) const {
     Weighed weighed;
     Frontier frontier;
     frontier.add(0, nodeAt(start_, 0));
     for (std::size_t layer = 0; layer < layerCount(); ++layer) {
-      close(frontier, layer, margin, weighed);
-      if (weighed.nodes.size() > kMostPlaces) {
+      close(frontier, layer, margin, mostOfLayer, weighed);
+      if (!mostOfLayer && weighed.nodes.size() > kMostPlaces) {
         return std::nullopt;
       }
       for (std::size_t i = weighed.layers[layer]; i < weighed.layers[layer + 1]; ++i) {
@@ -128,13 +138,19 @@ class Stretch {
   }
 
   /// Keeps what was found of a layer: each place once, and only what may be on the best way.
-  static void close(Frontier& frontier, std::size_t layer, int margin, Weighed& weighed) {
+  static void close(Frontier& frontier, std::size_t layer, int margin,
+                    std::optional<std::size_t> most, Weighed& weighed) {
     std::vector<Node>& found = frontier.found[layer % frontier.found.size()];
     std::ranges::sort(found, [](const Node& one, const Node& other) {
       return std::pair(one.places, one.cost) < std::pair(other.places, other.cost);
     });
     const auto same = std::ranges::unique(found, {}, &Node::places);
     found.erase(same.begin(), same.end());
+    if (most && found.size() > *most) {
+      std::ranges::stable_sort(found, {}, &Node::least);
+      found.resize(*most);
+      std::ranges::sort(found, {}, &Node::places);
+    }
     const int best = *std::ranges::min_element(frontier.best);
     for (const Node& node : found) {
       if (node.least <= best + margin) {
@@ -234,18 +250,6 @@ class Stretch {
     for (std::size_t n = 0; n < Count; ++n) {
       row.doubtful |= other.places[n] != row.places[n] ? 1U << n : 0U;
     }
-  }
-
-  std::vector<Row<Count>> allAlone() const {
-    std::vector<Row<Count>> rows;
-    for (std::size_t n = 0; n < Count; ++n) {
-      for (std::size_t i = start_[n]; i < end_[n]; ++i) {
-        rows.emplace_back().places.fill(kAlone);
-        rows.back().places[n] = i;
-        rows.back().doubtful = kAll<Count>;
-      }
-    }
-    return rows;
   }
 
   const Costs<Count>& costs_;

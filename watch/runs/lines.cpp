@@ -30,6 +30,8 @@ constexpr std::int64_t kLongestConnecting = 130;
 constexpr std::int64_t kSecondsOfDoubt = 2;
 /// A ping of ten with the adapter's limits takes 50 s at most; more pings take longer.
 constexpr std::int64_t kLongestPing = 120;
+/// An hour of a test and its limits; longer ones are no sure sign.
+constexpr std::int64_t kLongestTest = 4000;
 
 std::vector<PingGroup> groupPings(const std::vector<PingLine>& lines) {
   std::vector<PingGroup> groups;
@@ -42,10 +44,6 @@ std::vector<PingGroup> groupPings(const std::vector<PingLine>& lines) {
   }
   return groups;
 }
-
-/// How far from its expected place a line is looked for that is sure to be of a run.
-constexpr std::size_t kReach = 16;
-constexpr std::size_t kShortReach = 4;
 
 /// When a test was: from when to when it may have begun.
 struct Span {
@@ -94,6 +92,41 @@ bool followsSoon(const Iperf3Line& forward, const Iperf3Line& reverse) {
   return isWithin(*reverse.start - *forward.start, duration, 2 * duration + kLimits);
 }
 
+/// Lines by their times, whatever their order.
+class ByTime {
+ public:
+  template <class TimeOf>
+  ByTime(std::size_t length, TimeOf timeOf) {
+    for (std::size_t i = 0; i < length; ++i) {
+      if (const std::optional<std::int64_t> time = timeOf(i)) {
+        lines_.emplace_back(*time, i);
+      }
+    }
+    std::ranges::sort(lines_);
+  }
+
+  /// Returns the line of these seconds, not before the place `from`, of which alone `isSought` is
+  /// true.
+  template <class IsSought>
+  std::optional<std::size_t> findOnly(std::int64_t first, std::int64_t last, std::size_t from,
+                                      IsSought isSought) const {
+    std::optional<std::size_t> found;
+    for (auto line = std::ranges::lower_bound(lines_, std::pair(first, std::size_t{0}));
+         line != lines_.end() && line->first <= last; ++line) {
+      if (line->second >= from && isSought(line->second)) {
+        if (found) {
+          return std::nullopt;
+        }
+        found = line->second;
+      }
+    }
+    return found;
+  }
+
+ private:
+  std::vector<std::pair<std::int64_t, std::size_t>> lines_;
+};
+
 /// How many elements before each place are of a kind.
 class Count {
  public:
@@ -118,6 +151,14 @@ class LineJoiner {
         results_(evidence.results.all),
         groups_(groupPings(evidence.pings.all)),
         forwardSpans_(spansOf(evidence.forward)),
+        forwardByTime_(forward_.size(),
+                       [&](std::size_t i) {
+                         return forward_[i].start ? std::optional(forwardSpans_[i]->first.seconds)
+                                                  : std::nullopt;
+                       }),
+        reverseByTime_(reverse_.size(), [&](std::size_t i) { return reverse_[i].start; }),
+        pingsByTime_(groups_.size(),
+                     [&](std::size_t i) { return std::optional(startOf(groups_[i]).seconds); }),
         dated_(results_.size(), [&](std::size_t i) { return results_[i].date.has_value(); }),
         showWrite_(results_.size(), [&](std::size_t i) { return results_[i].write.has_value(); }),
         showRead_(results_.size(), [&](std::size_t i) { return results_[i].read.has_value(); }) {}
@@ -342,46 +383,50 @@ class LineJoiner {
     if (line.write.value_or(0) == 0 || line.read.value_or(0) == 0) {
       return std::nullopt;
     }
-    // A whole unit is no rare figure: there the right one has to be near.
-    const std::size_t reach = line.date || line.unitBps == 1 ? kReach : kShortReach;
-    const std::size_t ahead = result - from[kResult];
-    const auto find = [&](Sequence sequence, std::size_t length, auto isSure) {
-      return findOnly(from[sequence] + ahead, from[sequence], length, reach, isSure);
+    const auto forward = sureForward(result, from);
+    const auto reverse = forward ? sureReverse(result, *forward, from) : std::nullopt;
+    const auto ping = !reverse      ? std::nullopt
+                      : line.date ? surePing(result, from)
+                                  : firstPingBehind(*forward, from[kPing]);
+    return ping ? std::optional(SureRun{line.date ? kAllSequences : kAllSequences & ~member(kPing),
+                                        {*ping, *forward, *reverse, result}})
+                : std::nullopt;
+  }
+
+  /// By the date, or near the place where it is expected. A whole unit is no rare figure: there it has
+  /// to be nearer.
+  std::optional<std::size_t> sureForward(std::size_t result, const LinePlaces& from) const {
+    constexpr std::size_t kReach = 16;
+    constexpr std::size_t kShortReach = 4;
+    const ResultLine& line = results_[result];
+    const auto isSought = [&](std::size_t i) {
+      return forward_[i].start && showsRate(line.write, line.unitBps, forward_[i]);
     };
-    const auto forward = find(kForward, forward_.size(), [&](std::size_t i) {
-      return isSureForward(i, result);
-    });
-    if (!forward) {
-      return std::nullopt;
+    if (line.date) {
+      return forwardByTime_.findOnly(line.date->seconds - kSecondsOfDoubt,
+                                     line.date->seconds + kSecondsOfDoubt, from[kForward],
+                                     isSought);
     }
-    const auto reverse = find(kReverse, reverse_.size(), [&](std::size_t i) {
-      return isSureReverse(i, *forward, result);
+    return findOnly(from[kForward] + (result - from[kResult]), from[kForward], forward_.size(),
+                    line.unitBps == 1 ? kReach : kShortReach, isSought);
+  }
+
+  std::optional<std::size_t> sureReverse(std::size_t result, std::size_t forward,
+                                         const LinePlaces& from) const {
+    const ResultLine& line = results_[result];
+    const EpochSeconds start = *forward_[forward].start;
+    return reverseByTime_.findOnly(
+        start, start + kLongestTest, from[kReverse], [&](std::size_t i) {
+          return followsSoon(forward_[forward], reverse_[i]) &&
+                 showsRate(line.read, line.unitBps, reverse_[i]);
+        });
+  }
+
+  std::optional<std::size_t> surePing(std::size_t result, const LinePlaces& from) const {
+    const std::int64_t date = results_[result].date->seconds;
+    return pingsByTime_.findOnly(date - kLongestPing, date, from[kPing], [&](std::size_t i) {
+      return hasLatency(result, groups_[i]);
     });
-    const auto ping = line.date ? find(kPing, groups_.size(),
-                                       [&](std::size_t i) { return isSurePing(i, result); })
-                                : firstPingBehind(*forward, from[kPing]);
-    return reverse && ping
-               ? std::optional(SureRun{line.date ? kAllSequences : kAllSequences & ~member(kPing),
-                                       {*ping, *forward, *reverse, result}})
-               : std::nullopt;
-  }
-
-  bool isSureForward(std::size_t forward, std::size_t result) const {
-    const ResultLine& line = results_[result];
-    return forward_[forward].start &&
-           (!line.date || canBe(*line.date, *forwardSpans_[forward], -kSecondsOfDoubt, kSecondsOfDoubt)) &&
-           showsRate(line.write, line.unitBps, forward_[forward]);
-  }
-
-  bool isSureReverse(std::size_t reverse, std::size_t forward, std::size_t result) const {
-    const ResultLine& line = results_[result];
-    return reverse_[reverse].start && followsSoon(forward_[forward], reverse_[reverse]) &&
-           showsRate(line.read, line.unitBps, reverse_[reverse]);
-  }
-
-  bool isSurePing(std::size_t ping, std::size_t result) const {
-    return isWithin(pingSeconds(ping, *results_[result].date), 0, kLongestPing) &&
-           hasLatency(result, groups_[ping]);
   }
 
   /// Returns the first ping that began behind a test without one.
@@ -399,6 +444,9 @@ class LineJoiner {
   const std::vector<ResultLine>& results_;
   std::vector<PingGroup> groups_;
   std::vector<std::optional<Span>> forwardSpans_;
+  ByTime forwardByTime_;
+  ByTime reverseByTime_;
+  ByTime pingsByTime_;
   Count dated_;
   Count showWrite_;
   Count showRead_;
