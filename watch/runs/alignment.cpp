@@ -13,7 +13,7 @@ namespace {
 constexpr int kMargins[] = {0, 30, 100};
 /// No more places are weighed than this. What was found with a smaller margin holds then. Where that
 /// is nothing, only the best few places of each layer are, and all is doubtful.
-constexpr std::size_t kMostPlaces = 1'000'000;
+constexpr std::size_t kMostPlaces = 500'000;
 constexpr std::size_t kFewPlaces = 4;
 
 template <std::size_t Count>

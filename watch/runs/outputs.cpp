@@ -21,6 +21,7 @@ constexpr std::size_t kReach = 16;
 // Of a run without a ping line and an output that the tester has not read, what is missing.
 constexpr int kNoOutput = 10;
 constexpr int kRunEndedInRoom = 8;
+constexpr int kRunEndedLast = 9;
 constexpr int kRunEndedWithoutRoom = 10;
 
 bool isSameNumber(double one, double other) {
@@ -170,18 +171,13 @@ class OutputJoiner {
   }
 
   void joinAll(const Gap& gap) {
-    const bool isSure = gap.isLong() || (!hasRoom(gap.run, lastPlace(gap)) &&
+    const bool isSure = gap.isLong() || (!hasRoom(gap.run, gap.runEnd) &&
                                          isOrdered(gap.silent));
     for (std::size_t i = 0; i < gap.silent.size(); ++i) {
       RunOutputs& run = joined_.of[gap.silent[i]];
       run.outputs.push_back(gap.outputs[i]);
       run.doubt = isSure ? "" : "the ping's output could be that of a run beside it";
     }
-  }
-
-  /// Behind the last run there is always room, but that is no sign of one.
-  std::size_t lastPlace(const Gap& gap) const {
-    return gap.runEnd == runs_.size() && gap.runEnd > 0 ? gap.runEnd - 1 : gap.runEnd;
   }
 
   /// Whether a history or the time tells of each two runs which was first.
@@ -261,14 +257,16 @@ class OutputJoiner {
     }
   }
 
-  /// Deals outputs out to silent runs. A run that was ended before it left anything else is likelier
-  /// where the rhythm has room for it.
+  /// Deals outputs out to silent runs. A run that was ended before it left anything else is likeliest
+  /// where the rhythm has room for it, and then at the end, where it may still go on.
   std::vector<Row<2>> alignSilent(const Gap& gap) const {
-    std::vector<bool> roomBefore;
+    std::vector<int> costBefore;
     std::size_t run = gap.run;
     for (std::size_t i = 0; i <= gap.silent.size(); ++i) {
       const std::size_t end = i < gap.silent.size() ? gap.silent[i] : gap.runEnd;
-      roomBefore.push_back(hasRoom(run, end));
+      costBefore.push_back(hasRoom(run, end)        ? kRunEndedInRoom
+                           : end == runs_.size() ? kRunEndedLast
+                                                 : kRunEndedWithoutRoom);
       run = end + 1;
     }
     constexpr Members kRun = 1;
@@ -277,9 +275,7 @@ class OutputJoiner {
                             if (members == kBoth) {
                               return 0;
                             }
-                            return members == kRun       ? kNoOutput
-                                   : roomBefore[at[0]] ? kRunEndedInRoom
-                                                       : kRunEndedWithoutRoom;
+                            return members == kRun ? kNoOutput : costBefore[at[0]];
                           },
                           [](const Places<2>& from, const Places<2>& end) {
                             const auto runs = static_cast<int>(end[0] - from[0]);
@@ -311,10 +307,7 @@ class OutputJoiner {
         last = i;
       }
     }
-    if (!runs_.empty()) {
-      addTo(runs_.size() - 1, false);
-    }
-    addTo(runs_.size(), true);
+    addTo(runs_.size(), false);
     return rooms;
   }
 
