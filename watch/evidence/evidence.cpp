@@ -133,8 +133,10 @@ class OrderMender {
     return pause(before, &part) + pause(&part, behind) - pause(before, behind);
   }
 
-  /// Returns before which part the part `i` is best, where it stands if no other place is better.
+  /// Returns before which part the part `i` is best: the nearest such, or where it stands if no other
+  /// place is better.
   std::size_t betterPlace(std::size_t i) const {
+    const auto distance = [&](std::size_t place) { return place < i ? i - place : place - i; };
     std::size_t best = i;
     std::int64_t least = cost(at(i - 1), parts_[i], at(i + 1));
     for (std::size_t place = 0; place <= parts_.size(); ++place) {
@@ -142,7 +144,7 @@ class OrderMender {
         continue;
       }
       const std::int64_t here = cost(at(place - 1), parts_[i], at(place));
-      if (here < least) {
+      if (here < least || (here == least && best != i && distance(place) < distance(best))) {
         least = here;
         best = place;
       }
