@@ -55,6 +55,13 @@ def of_all_kinds_are_true(place):
                 sys.exit(f"FAILED: too many runs of seed {seed} are unsure")
 
 
+def of_the_hard_example_are_true(_):
+    """It was made once, by other means than the others."""
+    counts = hold(pathlib.Path(__file__).parent / "data/hard")
+    if counts["unsure"] > 12:
+        sys.exit("FAILED: more runs are unsure than need be")
+
+
 def of_a_home_line_are_true(place):
     for interval in (300, 3600):
         made = make(f"{place}/{interval}", "--mix", "plain", "--runs", "2000",
@@ -106,6 +113,7 @@ def do_not_change_when_a_run_is_added(place):
 
 CASES = {
     "OfAllKindsAreTrue": of_all_kinds_are_true,
+    "OfTheHardExampleAreTrue": of_the_hard_example_are_true,
     "OfAHomeLineAreTrue": of_a_home_line_are_true,
     "AreTheSameTwice": are_the_same_twice,
     "DoNotDependOnTheNamesInTheArchive": do_not_depend_on_the_names_in_the_archive,
