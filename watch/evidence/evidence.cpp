@@ -59,7 +59,7 @@ struct Part {
   std::optional<LocalTime> stamp;
   /// A line tells when it was written.
   bool isTimed = false;
-  /// The median of the times of its lines, and the first and the last of them.
+  /// Where it stands among the others by the times of its lines, and the first and the last of these.
   std::int64_t time = 0;
   std::int64_t first = 0;
   std::int64_t last = 0;
@@ -293,7 +293,10 @@ class HistoryReader {
     part.goesBack = !std::ranges::is_sorted(times) || part.last + kLongestRun < times.back();
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::ranges::nth_element(times, middle);
-    part.time = *middle;
+    // Far apart, the latest is right: a clock without its battery starts in the past.
+    constexpr std::int64_t kFarApart = 90 * 24 * 60 * 60;
+    const auto [earliest, latest] = std::ranges::minmax(times);
+    part.time = latest - earliest > kFarApart ? latest : *middle;
   }
 
   const LogDirectory& directory_;
