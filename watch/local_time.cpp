@@ -11,8 +11,6 @@ namespace watch {
 
 namespace {
 
-constexpr std::int64_t kDay = std::int64_t{24} * 60 * 60;
-
 /// A day that has one offset. Runs come in order of time, so that most questions have the answer of
 /// the one before.
 struct KnownOffset {
@@ -45,13 +43,13 @@ std::int32_t utcOffset(EpochSeconds moment) {
   if (moment >= known.from && moment < known.until) {
     return known.offset;
   }
-  const EpochSeconds from = moment - ((moment % kDay) + kDay) % kDay;
+  const EpochSeconds from = moment - ((moment % kDaySeconds) + kDaySeconds) % kDaySeconds;
   const std::int32_t offset = askForOffset(from);
   // No clock is set twice a day.
-  if (offset != askForOffset(from + kDay - 1)) {
+  if (offset != askForOffset(from + kDaySeconds - 1)) {
     return askForOffset(moment);
   }
-  known = {from, from + kDay, offset};
+  known = {from, from + kDaySeconds, offset};
   return offset;
 }
 
@@ -61,8 +59,8 @@ LocalTime localTime(EpochSeconds moment) {
 
 Moments moments(LocalTime local) {
   // A day before and a day after, the clock has been set at most once in between.
-  const std::int64_t before = local.seconds - askForOffset(local.seconds - kDay);
-  const std::int64_t after = local.seconds - askForOffset(local.seconds + kDay);
+  const std::int64_t before = local.seconds - askForOffset(local.seconds - kDaySeconds);
+  const std::int64_t after = local.seconds - askForOffset(local.seconds + kDaySeconds);
   const bool beforeHolds = localTime(before) == local;
   const bool afterHolds = localTime(after) == local;
   if (beforeHolds && afterHolds) {
@@ -91,7 +89,7 @@ LocalTime fromCalendar(const Calendar& calendar) {
   const std::chrono::sys_days day = std::chrono::year(calendar.year) /
                                     std::chrono::month(calendar.month) /
                                     std::chrono::day(calendar.day);
-  return {day.time_since_epoch().count() * kDay + std::int64_t{calendar.hour} * 3600 +
+  return {day.time_since_epoch().count() * kDaySeconds + std::int64_t{calendar.hour} * 3600 +
           std::int64_t{calendar.minute} * 60 + calendar.second};
 }
 
@@ -115,6 +113,12 @@ std::optional<LocalTime> parseStamp(std::string_view text) {
     return std::nullopt;
   }
   return fromCalendar({static_cast<int>(*year), *month, *day, *hour, *minute, *second});
+}
+
+std::string formatStamp(LocalTime local) {
+  const Calendar c = calendar(local);
+  return fmt::format("{:04}{:02}{:02}T{:02}{:02}{:02}", c.year, c.month, c.day, c.hour, c.minute,
+                     c.second);
 }
 
 std::string isoLocal(EpochSeconds moment) {

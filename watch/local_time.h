@@ -32,8 +32,11 @@ struct Moments {
   EpochSeconds nearest(EpochSeconds moment) const;
 };
 
+inline constexpr EpochSeconds kDaySeconds = EpochSeconds{24} * 60 * 60;
+
 /// Reads a stamp: "YYYYMMDDTHHMMSS" and nothing else.
 std::optional<LocalTime> parseStamp(std::string_view text);
+std::string formatStamp(LocalTime local);
 
 Moments moments(LocalTime local);
 

@@ -1,7 +1,8 @@
 #include "evidence/evidence.h"
 
+#include "evidence/file_order.h"
+
 #include <algorithm>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -10,10 +11,6 @@ namespace watch {
 namespace {
 
 constexpr int kMostReadings = 5;
-/// Before all times, and far enough from the limits to be subtracted.
-constexpr std::int64_t kBeforeAll = std::numeric_limits<std::int64_t>::min() / 4;
-/// How far before `since` the histories are read, so that the first run of interest has neighbours.
-constexpr std::int64_t kMarginSeconds = std::int64_t{12} * 60 * 60;
 
 /// How the lines of a history are read and put into order.
 template <class Line>
@@ -54,117 +51,8 @@ constexpr Format<ResultLine> kResultFormat = {parseResultLine, lastResultLine, r
 template <class Line>
 struct Part {
   std::string name;
-  std::string text;
-  std::vector<Line> lines;
   std::optional<LocalTime> stamp;
-  /// A line tells when it was written.
-  bool isTimed = false;
-  /// Where it stands among the others by the times of its lines, and the first and the last of these.
-  std::int64_t time = 0;
-  std::int64_t first = 0;
-  std::int64_t last = 0;
-  /// The clock was set back while it was filled.
-  bool goesBack = false;
-};
-
-/// Finds a better place for each part whose times are no guide to it, since the clock was set back,
-/// as it is at the end of summer time: where they go on from those before, and those behind go on
-/// from them.
-template <class Line>
-class OrderMender {
- public:
-  explicit OrderMender(std::vector<Part<Line>>& parts)
-      : parts_(parts), longest_(kUsualPauses * usualPause()) {}
-
-  void mend() {
-    constexpr int kMostRounds = 10;
-    int rounds = 0;
-    while (moveAll() && ++rounds < kMostRounds) {
-      // Each move can make room for another one.
-    }
-  }
-
- private:
-  static constexpr std::int64_t kUsualPauses = 4;
-
-  /// The median of the times from the end of a part to the start of the next.
-  std::int64_t usualPause() const {
-    std::vector<std::int64_t> pauses = {0};
-    for (std::size_t i = 1; i < parts_.size(); ++i) {
-      if (parts_[i].first > parts_[i - 1].last) {
-        pauses.push_back(parts_[i].first - parts_[i - 1].last);
-      }
-    }
-    const auto middle = pauses.begin() + static_cast<std::ptrdiff_t>(pauses.size() / 2);
-    std::ranges::nth_element(pauses, middle);
-    return *middle;
-  }
-
-  /// How long nothing was written between two. A long break is as any longer one, or as a clock
-  /// that was set.
-  std::int64_t pause(const Part<Line>* one, const Part<Line>* next) const {
-    if (one == nullptr || next == nullptr) {
-      return 0;
-    }
-    const std::int64_t seconds = next->first - one->last;
-    return seconds >= 0 ? std::min(seconds, longest_) : longest_;
-  }
-
-  /// Moves each part that has a better place. Returns whether there was any.
-  bool moveAll() {
-    bool hasMoved = false;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-      if (parts_[i].goesBack || (i > 0 && parts_[i].first < parts_[i - 1].last)) {
-        const std::size_t place = betterPlace(i);
-        move(i, place);
-        hasMoved = hasMoved || place != i;
-      }
-    }
-    return hasMoved;
-  }
-
-  const Part<Line>* at(std::size_t place) const {
-    return place < parts_.size() ? &parts_[place] : nullptr;
-  }
-
-  /// By how much longer the pauses are with `part` between the two.
-  std::int64_t cost(const Part<Line>* before, const Part<Line>& part,
-                    const Part<Line>* behind) const {
-    return pause(before, &part) + pause(&part, behind) - pause(before, behind);
-  }
-
-  /// Returns before which part the part `i` is best: the nearest such, or where it stands if no other
-  /// place is better.
-  std::size_t betterPlace(std::size_t i) const {
-    const auto distance = [&](std::size_t place) { return place < i ? i - place : place - i; };
-    std::size_t best = i;
-    std::int64_t least = cost(at(i - 1), parts_[i], at(i + 1));
-    for (std::size_t place = 0; place <= parts_.size(); ++place) {
-      if (place == i || place == i + 1) {
-        continue;
-      }
-      const std::int64_t here = cost(at(place - 1), parts_[i], at(place));
-      if (here < least || (here == least && best != i && distance(place) < distance(best))) {
-        least = here;
-        best = place;
-      }
-    }
-    return best;
-  }
-
-  void move(std::size_t from, std::size_t to) {
-    const auto part = [&](std::size_t i) {
-      return parts_.begin() + static_cast<std::ptrdiff_t>(i);
-    };
-    if (to < from) {
-      std::rotate(part(to), part(from), part(from + 1));
-    } else if (to > from) {
-      std::rotate(part(from), part(from + 1), part(to));
-    }
-  }
-
-  std::vector<Part<Line>>& parts_;
-  const std::int64_t longest_;
+  std::vector<Line> lines;
 };
 
 template <class Line>
@@ -175,48 +63,85 @@ class HistoryReader {
 
   Lines<Line> read(const History& history, const std::vector<Archived>& archived) {
     // The live file first: when it moves to the archive meanwhile, the archive has changed.
-    std::optional<Part<Line>> live = readPart(history.live, std::nullopt);
+    std::optional<Part<Line>> live = readPart({history.live, std::nullopt});
     std::vector<Part<Line>> parts;
-    parts.reserve(archived.size() + 1);
+    parts.reserve(archived.size());
     for (const Archived& file : archived) {
-      if (std::optional<Part<Line>> part = readPart(file.name, file.stamp)) {
+      if (std::optional<Part<Line>> part = readPart(file)) {
         parts.push_back(std::move(*part));
       }
     }
-    // Of two copies the second counts: that whose name tells more.
-    std::ranges::stable_sort(parts, {}, [](const Part<Line>& part) {
-      return std::pair(part.time, part.stamp.has_value());
-    });
-    OrderMender<Line>(parts).mend();
+    std::vector<Part<Line>*> written = inOrder(parts);
     if (live) {
-      parts.push_back(std::move(*live));
+      written.push_back(&*live);
     }
-    return join(parts);
+    return join(written);
   }
 
  private:
+  std::vector<Part<Line>*> inOrder(std::vector<Part<Line>>& parts) const {
+    std::vector<FileTimes> times;
+    times.reserve(parts.size());
+    for (const Part<Line>& part : parts) {
+      times.push_back(timesOf(part));
+    }
+    std::vector<Part<Line>*> ordered;
+    ordered.reserve(parts.size() + 1);
+    for (const std::size_t place : orderOfWriting(times)) {
+      ordered.push_back(&parts[place]);
+    }
+    return ordered;
+  }
+
+  FileTimes timesOf(const Part<Line>& part) const {
+    std::vector<std::int64_t> times;
+    times.reserve(part.lines.size());
+    for (const Line& line : part.lines) {
+      if (const auto time = format_.time(line)) {
+        times.push_back(*time);
+      }
+    }
+    return timesOfFile(std::move(times),
+                       part.stamp ? std::optional(format_.timeOfStamp(*part.stamp)) : std::nullopt);
+  }
+
+  std::optional<std::int64_t> firstTime(const Part<Line>& part) const {
+    for (const Line& line : part.lines) {
+      if (const auto time = format_.time(line)) {
+        return time;
+      }
+    }
+    return std::nullopt;
+  }
+
   /// Leaves out what another file holds, too: a copy, or the part of one that is left of a move to
   /// another file system that was killed.
-  Lines<Line> join(std::vector<Part<Line>>& parts) {
+  Lines<Line> join(const std::vector<Part<Line>*>& parts) {
     Lines<Line> lines;
     const Part<Line>* last = nullptr;
-    for (auto part = parts.begin(); part != parts.end(); ++part) {
-      const auto next = part + 1;
-      if (last != nullptr && isBegin(*part, *last)) {
-        leaveOut(*part, *last);
-      } else if (next != parts.end() && isBegin(*part, *next)) {
-        leaveOut(*part, *next);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      Part<Line>& part = *parts[i];
+      if (last != nullptr && isBegin(part, *last)) {
+        leaveOut(part, *last);
+      } else if (i + 1 < parts.size() && isBegin(part, *parts[i + 1])) {
+        leaveOut(part, *parts[i + 1]);
       } else {
-        append(lines, *part);
-        last = &*part;
+        append(lines, part);
+        last = &part;
       }
     }
     return lines;
   }
 
   /// Without a time, ten runs that failed look like any other ten.
-  static bool isBegin(const Part<Line>& part, const Part<Line>& whole) {
-    return part.isTimed && whole.text.starts_with(part.text);
+  bool isBegin(const Part<Line>& part, const Part<Line>& whole) const {
+    const auto first = firstTime(part);
+    if (!first || first != firstTime(whole)) {
+      return false;
+    }
+    Troubles saidBefore;
+    const std::string text = directory_.read(part.name, saidBefore).value_or("");
+    return directory_.read(whole.name, saidBefore).value_or("").starts_with(text);
   }
 
   void leaveOut(const Part<Line>& part, const Part<Line>& whole) {
@@ -231,22 +156,18 @@ class HistoryReader {
     }
   }
 
-  std::optional<Part<Line>> readPart(const std::string& name, std::optional<LocalTime> stamp) {
-    std::optional<std::string> text = directory_.read(name, evidence_.troubles);
+  std::optional<Part<Line>> readPart(const Archived& from) {
+    const std::optional<std::string> text = directory_.read(from.name, evidence_.troubles);
     if (!text) {
       return std::nullopt;
     }
     const auto file = static_cast<std::uint32_t>(evidence_.files.size());
-    evidence_.files.push_back(name);
-    Part<Line> part;
-    part.name = name;
-    part.text = std::move(*text);
-    part.stamp = stamp;
+    evidence_.files.push_back(from.name);
+    Part<Line> part{from.name, from.stamp, {}};
     part.lines.reserve(kFullHistoryLines);
-    eachLine(part.text, [&](std::string_view line, std::uint32_t number) {
+    eachLine(*text, [&](std::string_view line, std::uint32_t number) {
       readLine(line, {file, number, number}, part.lines);
     });
-    setTimes(part);
     return part;
   }
 
@@ -271,32 +192,6 @@ class HistoryReader {
       text = text.substr(0, begin);
     }
     std::reverse(lines.begin() + static_cast<std::ptrdiff_t>(linesBefore), lines.end());
-  }
-
-  /// Without a time of a line, all are what the name tells; without that, the first of all.
-  void setTimes(Part<Line>& part) const {
-    std::vector<std::int64_t> times;
-    times.reserve(part.lines.size() + 1);
-    for (const Line& line : part.lines) {
-      if (const auto time = format_.time(line)) {
-        times.push_back(*time);
-      }
-    }
-    part.isTimed = !times.empty();
-    if (!part.isTimed) {
-      times.push_back(part.stamp ? format_.timeOfStamp(*part.stamp) : kBeforeAll);
-    }
-    part.first = times.front();
-    // The last line may have no time, but its run has named the file.
-    part.last = part.stamp ? format_.timeOfStamp(*part.stamp) : times.back();
-    constexpr std::int64_t kLongestRun = 300;
-    part.goesBack = !std::ranges::is_sorted(times) || part.last + kLongestRun < times.back();
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::ranges::nth_element(times, middle);
-    // Far apart, the latest is right: a clock without its battery starts in the past.
-    constexpr std::int64_t kFarApart = 90 * 24 * 60 * 60;
-    const auto [earliest, latest] = std::ranges::minmax(times);
-    part.time = latest - earliest > kFarApart ? latest : *middle;
   }
 
   const LogDirectory& directory_;
@@ -405,7 +300,7 @@ Evidence readEvidence(const LogDirectory& directory) {
 }
 
 Evidence readEvidenceSince(const LogDirectory& directory, LocalTime since) {
-  return readUntilStable(directory, LocalTime{since.seconds - kMarginSeconds});
+  return readUntilStable(directory, since);
 }
 
 }  // namespace watch

@@ -113,21 +113,45 @@ std::optional<std::size_t> historyOf(std::string_view name) {
   return std::nullopt;
 }
 
-std::optional<LocalTime> stampOf(std::string_view name, std::size_t kind) {
+/// Returns what stands in place of the stamp in the name of an archived file.
+std::string_view stampTextOf(std::string_view name, std::size_t kind) {
   name.remove_prefix(std::strlen(kHistories[kind].archived) + 1);
   name.remove_suffix(kEnding.size());
-  return parseStamp(name);
+  return name;
 }
 
-/// Adds `name` to the listing, unless it tells that the file was full before `since`.
-void add(std::string_view name, std::optional<LocalTime> since, Listing& listing) {
-  if (const auto kind = historyOf(name)) {
-    const auto stamp = stampOf(name, *kind);
-    if (!since || !stamp || *stamp >= *since) {
-      listing.of[*kind].push_back({std::string(kArchive).append(name), stamp});
+/// The names of a history's archived files. Of those that were full before `since`, the newest two
+/// alone: what is wanted may begin in the middle of one, and a wrong clock may have misnamed
+/// another.
+class Names {
+ public:
+  void add(std::string_view name, std::string_view stamp, const std::string& since) {
+    if (stamp >= since || stamp.size() != since.size()) {
+      names_.emplace_back(name);
+    } else if (older_.size() < kNeighbours) {
+      older_.emplace_back(name);
+    } else if (const auto oldest = std::ranges::min_element(older_); *oldest < name) {
+      *oldest = name;
     }
   }
-}
+
+  std::vector<Archived> sorted(std::size_t kind) && {
+    names_.insert(names_.end(), older_.begin(), older_.end());
+    std::ranges::sort(names_);
+    std::vector<Archived> files;
+    files.reserve(names_.size());
+    for (const std::string& name : names_) {
+      files.push_back({kArchive + name, parseStamp(stampTextOf(name, kind))});
+    }
+    return files;
+  }
+
+ private:
+  static constexpr std::size_t kNeighbours = 2;
+
+  std::vector<std::string> names_;
+  std::vector<std::string> older_;
+};
 
 }  // namespace
 
@@ -141,11 +165,15 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
     }
     return listing;
   }
+  const std::string sinceStamp = since ? formatStamp(*since) : "";
+  Names names[std::size(kHistories)];
   while (const dirent* const entry = readdir(folder.get())) {
-    add(entry->d_name, since, listing);
+    if (const auto kind = historyOf(entry->d_name)) {
+      names[*kind].add(entry->d_name, stampTextOf(entry->d_name, *kind), sinceStamp);
+    }
   }
-  for (std::vector<Archived>& files : listing.of) {
-    std::ranges::sort(files, {}, &Archived::name);
+  for (std::size_t kind = 0; kind < std::size(kHistories); ++kind) {
+    listing.of[kind] = std::move(names[kind]).sorted(kind);
   }
   return listing;
 }

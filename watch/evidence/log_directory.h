@@ -44,7 +44,8 @@ class LogDirectory {
 
   const std::filesystem::path& path() const { return path_; }
 
-  /// Lists the archive. With `since`, leaves out those whose name tells that they were full before.
+  /// Lists the archive. With `since`, leaves out those whose name tells that they were full before,
+  /// but for the newest two of each history.
   Listing list(std::optional<LocalTime> since, Troubles& troubles) const;
 
   /// Gives the file `name` to `take` as a whole. A file that is missing is nothing; one that can't

@@ -11,7 +11,6 @@
 
 namespace watch {
 
-inline constexpr EpochSeconds kDaySeconds = 24 * 60 * 60;
 /// For so long a figure is usual.
 inline constexpr EpochSeconds kUsualPeriod = 28 * kDaySeconds;
 

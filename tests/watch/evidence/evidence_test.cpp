@@ -470,17 +470,23 @@ TEST_F(EvidenceOf, AnArchiveThatChangesAllTheTimeIsATrouble) {
   EXPECT_EQ(listings, 6);
 }
 
-TEST_F(EvidenceOf, WhatIsRecentLeavesOldArchivesOut) {
-  write("archive/ping_history_20261115T174359.log", pingLine(1));
-  write("archive/ping_history_20261115T174400.log", pingLine(2));
-  write("archive/ping_history_.log", pingLine(3));
-  write("ping_history.log", pingLine(4));
+TEST_F(EvidenceOf, WhatIsRecentLeavesOldArchivesOutButForTwo) {
+  write("archive/ping_history_20261116T050001.log", pingLine(1));
+  write("archive/ping_history_20261116T050002.log", pingLine(2));
+  write("archive/ping_history_20261116T050003.log", pingLine(3));
+  write("archive/ping_history_20261116T054400.log", pingLine(4));
+  write("archive/ping_history_.log", pingLine(5));
+  write("ping_history.log", pingLine(6));
 
   EXPECT_EQ(readSince("20261116T054400"),
-            "ping 2 archive/ping_history_20261115T174400.log:1\n"
-            "ping 3 archive/ping_history_.log:1\n"
-            "ping 4 ping_history.log:1\n"
-            "ping 2 filled -40560\n");
+            "ping 2 archive/ping_history_20261116T050002.log:1\n"
+            "ping 3 archive/ping_history_20261116T050003.log:1\n"
+            "ping 4 archive/ping_history_20261116T054400.log:1\n"
+            "ping 5 archive/ping_history_.log:1\n"
+            "ping 6 ping_history.log:1\n"
+            "ping 2 filled 2\n"
+            "ping 3 filled 3\n"
+            "ping 4 filled 2640\n");
 }
 
 TEST_F(EvidenceOf, WhatIsRecentHasTheLastOutputs) {

@@ -128,6 +128,7 @@ TEST(LogDirectoryListing, HoldsTheArchivesOfEachHistoryByName) {
   const LogFolder folder;
   for (const char* const name :
        {"ping_history_20261116T050200.log", "ping_history_20261015T050200.log",
+        "ping_history_20261013T050200.log", "ping_history_20261014T050200.log",
         "iperf3_history_forward_x.log", "connection_test_results_history_.log"}) {
     folder.write(std::string("archive/") + name, "");
   }
@@ -136,14 +137,17 @@ TEST(LogDirectoryListing, HoldsTheArchivesOfEachHistoryByName) {
   const Listing all = folder.directory().list(std::nullopt, troubles);
   const Listing recent = folder.directory().list(parseStamp("20261116T050200"), troubles);
 
-  const auto stamp = parseStamp("20261116T050200");
   const Archived results = {"archive/connection_test_results_history_.log", std::nullopt};
   const Archived forward = {"archive/iperf3_history_forward_x.log", std::nullopt};
-  const Archived older = {"archive/ping_history_20261015T050200.log",
-                          parseStamp("20261015T050200")};
-  const Archived newer = {"archive/ping_history_20261116T050200.log", stamp};
-  EXPECT_EQ(all, (Listing{{{{results}, {}, {forward}, {older, newer}}}}));
-  EXPECT_EQ(recent, (Listing{{{{results}, {}, {forward}, {newer}}}}));
+  const auto pings = [](const char* text) {
+    return Archived{std::string("archive/ping_history_") + text + ".log", parseStamp(text)};
+  };
+  const Archived oldest = pings("20261013T050200");
+  const Archived older = pings("20261014T050200");
+  const Archived old = pings("20261015T050200");
+  const Archived recentOnes = pings("20261116T050200");
+  EXPECT_EQ(all, (Listing{{{{results}, {}, {forward}, {oldest, older, old, recentOnes}}}}));
+  EXPECT_EQ(recent, (Listing{{{{results}, {}, {forward}, {older, old, recentOnes}}}}));
   EXPECT_THAT(troubles, IsEmpty());
 }
 
