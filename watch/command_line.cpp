@@ -2,33 +2,45 @@
 
 #include "commands.h"
 #include "evidence/text.h"
+#include "views/output.h"
 #include "when.h"
 
-#include <chrono>
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <ctime>
 #include <exception>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <functional>
+#include <memory>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace watch {
 
 namespace {
 
 constexpr char kAbout[] =
-    "Answers from what the runs of connTester have left: how is the line, when "
-    "was it bad, and can the figure be trusted.";
+    "How is the line, when was it bad, and can the figure be trusted? Answers from\n"
+    "what the runs of connTester have left.\n";
+
+constexpr char kTimes[] =
+    "WHEN is 2026-11-21, 2026-11-21T05:00, \"20 Nov 20:00\", 05:00, today, yesterday,\n"
+    "or how long ago: 7d, 12h, 30m.";
+
+constexpr char kListMarks[] =
+    "\nIn the list, ~ marks a time that is not certain, ? a run of which the files\n"
+    "leave something open (show says what), and * a rate of a test that was cut.";
+
+constexpr char kCheckStatuses[] =
+    "\nStatus: 0 OK, 1 WARNING, 2 CRITICAL, 3 UNKNOWN. Without a limit, a run that\n"
+    "measured nothing is critical, and one that measured only a part is a warning.\n"
+    "The age of the last run is always said, and counts with --max-age only.";
 
 EpochSeconds currentTime() {
-  using std::chrono::duration_cast;
-  using std::chrono::seconds;
-  return duration_cast<seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
-std::string usageOfTimes(const std::string& text) {
-  return "\"" + text +
-         "\" is no time: write 2026-11-21, 2026-11-21T05:00, \"20 Nov 20:00\", 05:00, "
-         "today, yesterday, or how long ago: 7d, 12h, 30m";
+  return std::time(nullptr);
 }
 
 /// The arguments as they are given; their meaning is found when all are known.
@@ -39,56 +51,70 @@ struct Arguments {
   Limits limits;
 };
 
+CLI::ValidationError badValue(const char* option, const std::string& value,
+                              const std::string& what) {
+  return CLI::ValidationError(option, fmt::format("\"{}\" is no {}", value, what));
+}
+
+/// Adds an option whose value `take` reads.
+void addOption(CLI::App& command, const char* name, const char* type, const char* about,
+               const std::function<void(const std::string&)>& take) {
+  command.add_option_function<std::string>(name, take, about)->type_name(type);
+}
+
+void addTime(CLI::App& command, const char* name, const char* about,
+             const std::function<void(const When&)>& take) {
+  addOption(command, name, "WHEN", about, [name, take](const std::string& text) {
+    const auto when = parseWhen(text, currentTime());
+    if (!when) {
+      throw badValue(name, text,
+                     "time: write 2026-11-21, 2026-11-21T05:00, \"20 Nov 20:00\", 05:00, today, "
+                     "yesterday, or how long ago: 7d, 12h, 30m");
+    }
+    take(*when);
+  });
+}
+
 void addSelection(CLI::App& command, Selection& selection, bool isRepeatable) {
-  CLI::Option* const from =
-      command
-          .add_option("--from", selection.from, "Log directory to read, by default the user's own")
-          ->type_name("DIR");
-  if (!isRepeatable) {
-    from->expected(1);
+  constexpr char kAboutFrom[] = "Log directory; default: ~/Library/Logs/Qelmora";
+  if (isRepeatable) {
+    command.add_option("--from", selection.from, kAboutFrom)
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+  } else {
+    addOption(command, "--from", "DIR", kAboutFrom,
+              [&selection](const std::string& path) { selection.from.emplace_back(path); });
   }
-  const auto addTime = [&](const char* name, std::optional<EpochSeconds>& moment,
-                           EpochSeconds When::*part, const char* about) {
-    command
-        .add_option_function<std::string>(
-            name,
-            [&moment, part, name](const std::string& text) {
-              const auto when = parseWhen(text, currentTime());
-              if (!when) {
-                throw CLI::ValidationError(name, usageOfTimes(text));
-              }
-              moment = (*when).*part;
-            },
-            about)
-        ->type_name("WHEN");
-  };
-  addTime("--since", selection.since, &When::begin,
-          "Only runs from then on: 2026-11-21, 05:00, 7d");
-  addTime("--until", selection.until, &When::end, "Only runs up to then");
+  addTime(command, "--since", "Only runs from then on",
+          [&selection](const When& when) { selection.period.since = when.begin; });
+  addTime(command, "--until", "Only runs up to then, a day or a minute included",
+          [&selection](const When& when) { selection.period.until = when.end; });
 }
 
 void addExport(CLI::App& command, ExportRequest& request) {
-  command.add_option("FORMAT", request.format, "csv, jsonl or sqlite")
-      ->required()
-      ->type_name("")
-      ->check(CLI::IsMember({"csv", "jsonl", "sqlite"}).description(""));
   command
       .add_option_function<std::string>(
-          "--output", [&request](const std::string& path) { request.output = path; },
-          "Write to this file, replaced in one step")
-      ->type_name("FILE");
+          "FORMAT",
+          [&request](const std::string& format) {
+            if (format != "csv" && format != "jsonl" && format != "sqlite") {
+              throw badValue("FORMAT", format, "format: write csv, jsonl or sqlite");
+            }
+            request.format = format;
+          },
+          "csv, jsonl (an object a line) or sqlite")
+      ->required()
+      ->type_name("");
+  addOption(command, "--output", "FILE", "Replace FILE in one step; sqlite needs it",
+            [&request](const std::string& path) { request.output = path; });
 }
 
 /// Reads "3/6".
 void readBad(const std::string& text, Limits& limits) {
-  const std::size_t slash = text.find('/');
+  const std::size_t slash = std::min(text.find('/'), text.size());
   const auto bad = wholeNumber<std::size_t>(text.substr(0, slash));
-  const auto of =
-      slash == std::string::npos ? std::nullopt : wholeNumber<std::size_t>(text.substr(slash + 1));
+  const auto of = wholeNumber<std::size_t>(text.substr(std::min(slash + 1, text.size())));
   if (!bad || !of || *bad == 0 || *bad > *of) {
-    throw CLI::ValidationError("--bad", "\"" + text +
-                                            "\" is no M/N: write 3/6 for three bad runs "
-                                            "of the last six");
+    throw badValue("--bad", text, "M/N: write 3/6 for three bad runs of the last six");
   }
   limits.bad = *bad;
   limits.of = *of;
@@ -96,45 +122,72 @@ void readBad(const std::string& text, Limits& limits) {
 
 /// Reads "50%".
 void readBelow(const std::string& text, Limits& limits) {
-  const auto number = text.ends_with('%') ? wholeNumber<double>(text.substr(0, text.size() - 1))
-                                          : wholeNumber<double>(text);
+  const auto number =
+      wholeNumber<double>(text.substr(0, text.size() - (text.ends_with('%') ? 1 : 0)));
   if (!number || !(*number > 0 && *number <= 100)) {
-    throw CLI::ValidationError("--below",
-                               "\"" + text + "\" is no share: write 50% for half of the usual");
+    throw badValue("--below", text, "share: write 50% for half of the usual");
   }
-  limits.below = *number;
+  limits.below = number;
 }
 
 void readMaxAge(const std::string& text, Limits& limits) {
   limits.maxAge = parseLength(text);
   if (!limits.maxAge) {
-    throw CLI::ValidationError("--max-age",
-                               "\"" + text + "\" is no length of time: write 2h, 90m, 1d");
+    throw badValue("--max-age", text, "length of time: write 2h, 90m, 1d");
   }
 }
 
 void addLimits(CLI::App& command, Limits& limits) {
-  const auto add = [&](const char* name, std::optional<double>& limit, const char* unit,
-                       const char* about) {
-    command
-        .add_option_function<double>(
-            name, [&limit](double value) { limit = value; }, about)
-        ->type_name(unit)
-        ->check(CLI::NonNegativeNumber.description(""));
+  const auto add = [&](const char* name, const char* type, const char* about,
+                       std::optional<double>& limit) {
+    addOption(command, name, type, about, [name, &limit](const std::string& text) {
+      constexpr double kMost = 1e9;
+      limit = wholeNumber<double>(text);
+      if (!limit || !(*limit >= 0 && *limit <= kMost)) {
+        throw badValue(name, text, "number: write 200, or 0.5");
+      }
+    });
   };
-  add("--read", limits.read, "MBIT", "The read rate is bad below this many Mbit/s");
-  add("--write", limits.write, "MBIT", "The write rate is bad below this many Mbit/s");
-  add("--latency", limits.latency, "MS", "The latency is bad above this many milliseconds");
-  const auto addText = [&](const char* name, void (*take)(const std::string&, Limits&),
-                           const char* type, const char* about) {
-    command
-        .add_option_function<std::string>(
-            name, [&limits, take](const std::string& text) { take(text, limits); }, about)
-        ->type_name(type);
+  add("--read", "MBIT", "The read rate is bad below this many Mbit/s", limits.read);
+  add("--write", "MBIT", "The write rate is bad below this many Mbit/s", limits.write);
+  add("--latency", "MS", "The latency is bad above this many ms", limits.latency);
+  const auto addText = [&](const char* name, const char* type, const char* about,
+                           void (*take)(const std::string&, Limits&)) {
+    addOption(command, name, type, about,
+              [&limits, take](const std::string& text) { take(text, limits); });
   };
-  addText("--bad", readBad, "M/N", "Critical when M of the last N runs are bad, by default 1/1");
-  addText("--below", readBelow, "SHARE", "Warn when a rate is below this share of the usual: 50%");
-  addText("--max-age", readMaxAge, "LENGTH", "Unknown when the last run is older: 2h");
+  addText("--bad", "M/N", "Critical when M of the last N runs are bad", readBad);
+  addText("--below", "SHARE", "Warn when a rate is below this share of the usual: 50%", readBelow);
+  addText("--max-age", "LENGTH", "Unknown when the last run is older: 2h", readMaxAge);
+}
+
+void setUp(CLI::App& app) {
+  app.set_help_flag("-h,--help", "Show this");
+  app.set_version_flag("--version", "connWatch " CONNWATCH_VERSION, "Show the version");
+  app.require_subcommand(0, 1);
+  app.footer(kTimes);
+  const auto formatter = std::make_shared<CLI::Formatter>();
+  formatter->column_width(22);
+  formatter->label("SUBCOMMAND", "COMMAND");
+  formatter->label("REQUIRED", "");
+  app.formatter(formatter);
+}
+
+void addCommands(CLI::App& app, Arguments& arguments) {
+  const auto add = [&](const char* name, const char* about) {
+    CLI::App* const command = app.add_subcommand(name, about)->group("Commands");
+    addSelection(*command, arguments.selection, command->check_name("summary"));
+    return command;
+  };
+  add("summary", "Usual figures by day and hour, and outages (the default)");
+  add("list", "Runs, one a line")->footer(std::string(kTimes) + "\n" + kListMarks);
+  add("show", "One run, each figure with its file and line")
+      ->add_option("RUN", arguments.run, "05:01, \"20 Nov 05:01\"; 1 is the last, 2 the one before")
+      ->type_name("");
+  CLI::App* const check = add("check", "A verdict for scripts and monitoring");
+  check->footer(std::string(kTimes) + "\n" + kCheckStatuses);
+  addLimits(*check, arguments.limits);
+  addExport(*add("export", "Every run, for other programs"), arguments.request);
 }
 
 int run(const CLI::App& app, const Arguments& arguments) {
@@ -154,43 +207,65 @@ int run(const CLI::App& app, const Arguments& arguments) {
   return summary(arguments.selection);
 }
 
-}  // namespace
+/// Says what went wrong. A plugin that can't do what it was asked for is "unknown", and says so
+/// where its verdicts stand.
+int fail(const CLI::App& app, const std::string& what, int status) {
+  fmt::print(stderr, "connWatch: {}\n", what);
+  if (!app.got_subcommand("check")) {
+    return status;
+  }
+  if (status == kUsageStatus) {
+    print("UNKNOWN: connWatch check can't do what it was asked for\n");
+  }
+  return static_cast<int>(Verdict::unknown);
+}
 
-int runCommandLine(int argc, char** argv) {
-  Arguments arguments;
-  CLI::App app(kAbout, "connWatch");
-  app.set_version_flag("--version", "connWatch " CONNWATCH_VERSION);
-  app.require_subcommand(0, 1);
-  addSelection(app, arguments.selection, true);
-  const auto add = [&](const char* name, const char* about, bool isRepeatable) {
-    CLI::App* const command = app.add_subcommand(name, about);
-    addSelection(*command, arguments.selection, isRepeatable);
-    return command;
-  };
-  add("list", "The runs, one a line", false);
-  add("show", "One run, each figure with its file and line", false)
-      ->add_option("RUN", arguments.run, "05:01, \"20 Nov 05:01\", or 2 for the last but one")
-      ->type_name("");
-  add("summary", "The usual figures, by day and hour, and outages (the default)", true);
-  addLimits(*add("check", "A verdict for scripts and monitoring", false), arguments.limits);
-  addExport(*add("export", "Every run, for other programs", false), arguments.request);
+std::string nameOfCommand(const CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  return commands.empty() ? "" : commands.front()->get_name() + " ";
+}
 
-  // A plugin that can't do what it was asked for is "unknown".
-  const auto failed = [&] {
-    return app.got_subcommand("check") ? static_cast<int>(Verdict::unknown) : kUsageStatus;
-  };
+int parseAndRun(CLI::App& app, const Arguments& arguments, int argc, char** argv) {
   try {
     app.parse(argc, argv);
     return run(app, arguments);
+  } catch (const CLI::CallForVersion& version) {
+    print(std::string(version.what()) + "\n");
+    return kDone;
+  } catch (const CLI::CallForHelp&) {
+    print(app.help());
+    return kDone;
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) {
-      return app.exit(error);
+    return fail(app,
+                fmt::format("{}\n  See:  connWatch {}--help", error.what(), nameOfCommand(app)),
+                kUsageStatus);
+  } catch (const UsageError& error) {
+    return fail(app, error.what(), kUsageStatus);
+  }
+}
+
+/// A stream that is closed is none into which a file may be opened: what is written to it fails.
+void fillClosedStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
-    fmt::print(stderr, "connWatch: {}\n  See connWatch --help\n", error.what());
-    return failed();
+  }
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  fillClosedStreams();
+  Arguments arguments;
+  CLI::App app(kAbout, "connWatch");
+  setUp(app);
+  addSelection(app, arguments.selection, true);
+  addCommands(app, arguments);
+  try {
+    return parseAndRun(app, arguments, argc, argv);
   } catch (const std::exception& error) {
-    fmt::print(stderr, "connWatch: {}\n", error.what());
-    return failed();
+    return fail(app, error.what(), kFailed);
   }
 }
 

@@ -36,12 +36,15 @@ struct Reading {
 LogDirectory ownDirectory() {
   const char* const home = std::getenv("HOME");
   if (home == nullptr || *home == '\0') {
-    throw std::runtime_error("HOME is not set: say with --from which log directory to read");
+    throw UsageError("HOME is not set: say with --from DIR which log directory to read");
   }
   return LogDirectory(std::filesystem::path(home) / kLogDirectory);
 }
 
 LogDirectory directoryOf(const Selection& selection) {
+  if (selection.from.size() > 1) {
+    throw UsageError("only summary reads several log directories: give --from DIR once");
+  }
   return selection.from.empty() ? ownDirectory() : LogDirectory(selection.from.front());
 }
 
@@ -50,7 +53,7 @@ void printTroubles(const Troubles& troubles) {
   constexpr std::size_t kMost = 10;
   for (std::size_t i = 0; i < std::min(troubles.size(), kMost); ++i) {
     const Trouble& trouble = troubles[i];
-    fmt::print(stderr, "connWatch: {}{}: {}\n", trouble.file,
+    fmt::print(stderr, "connWatch: {}{}: {}\n", printable(trouble.file),
                trouble.line > 0 ? fmt::format(":{}", trouble.line) : "", trouble.what);
   }
   if (troubles.size() > kMost) {
@@ -70,34 +73,43 @@ bool isSettled(const Run& run) {
   return run.finished && run.time && run.unsure.empty();
 }
 
-/// Reads what a period since then needs, and all when that leaves a question open.
-Reading readSince(const LogDirectory& directory, EpochSeconds since) {
-  Reading reading{directory, readEvidenceSince(directory, localTime(since)), {}};
+/// Reads what the period needs, and all when that leaves a question open.
+Reading readPeriod(const LogDirectory& directory, const Period& period) {
+  if (!period.since) {
+    return read(directory);
+  }
+  Reading reading{directory, readEvidenceSince(directory, localTime(*period.since)), {}};
   reading.runs = joinRuns(reading.evidence);
-  return std::ranges::all_of(runsIn(reading.runs, {since, std::nullopt}), isSettled)
-             ? reading
-             : read(directory);
+  return std::ranges::all_of(runsIn(reading.runs, {period.since, {}}), isSettled) ? reading
+                                                                                  : read(directory);
 }
 
-int sayNoRuns(const Reading& reading, const Selection& selection) {
-  printTroubles(reading.evidence.troubles);
-  const bool isBounded = selection.since || selection.until;
-  fmt::print(stderr, "connWatch: no runs in {}{}\n", reading.directory.path().string(),
-             isBounded && !reading.runs.empty() ? " in this time" : "");
-  if (reading.runs.empty()) {
-    fmt::print(stderr, "  Start one:  connTester ADDRESS      Look elsewhere:  --from DIR\n");
-  }
+int sayNoRuns(const LogDirectory& directory, const Period& period) {
+  std::error_code none;
+  const bool isThere = std::filesystem::is_directory(directory.path(), none);
+  const bool isBounded = period.since || period.until;
+  fmt::print(stderr, "connWatch: {} {}{}\n", isThere ? "no runs in" : "there is no directory",
+             directory.path().string(), isThere && isBounded ? " in this time" : "");
+  fmt::print(stderr, "  {}\n",
+             isThere && isBounded
+                 ? "All runs:  connWatch list, without --since and --until"
+                 : "Start one:  connTester ADDRESS      Look elsewhere:  --from DIR");
   return kNothingToRead;
 }
 
-void print(const std::string& text) {
-  Output output(std::nullopt);
-  output.write(text);
-  output.finish();
-}
-
-bool isAt(const Run& run, const When& when) {
-  return run.time && *run.time >= when.begin && *run.time < when.end;
+bool isAtThatTimeOfDay(const Run& run, const When& when) {
+  if (!run.time || !when.isOfAnyDay) {
+    return false;
+  }
+  const Calendar day = calendar(localTime(*run.time));
+  Calendar wanted = calendar(*when.localBegin);
+  wanted.year = day.year;
+  wanted.month = day.month;
+  wanted.day = day.day;
+  const std::int64_t begin = fromCalendar(wanted).seconds;
+  const std::int64_t length = when.localEnd->seconds - when.localBegin->seconds;
+  const std::int64_t time = localTime(*run.time).seconds;
+  return begin <= time && time < begin + length;
 }
 
 /// Returns the run that `wanted` names: a number counts from the end, a time of the day is the last
@@ -108,67 +120,71 @@ const Run* find(std::span<const Run> runs, const std::string& wanted, EpochSecon
   }
   const auto when = parseWhen(wanted, now);
   if (!when) {
-    throw std::runtime_error(fmt::format(
+    throw UsageError(fmt::format(
         "\"{}\" names no run: give a time (05:01, \"20 Nov 05:01\", 2026-11-20T05:01), or a number "
         "from the end (1 is the last run)",
         wanted));
   }
-  const auto found = std::ranges::find_if(runs, [&](const Run& run) { return isAt(run, *when); });
+  const auto found = std::ranges::find_if(
+      runs, [&](const Run& run) { return run.time && when->holds(*run.time); });
   if (found != runs.end()) {
     return &*found;
   }
-  const auto sameTime = std::ranges::find_if(runs.rbegin(), runs.rend(), [&](const Run& run) {
-    return run.time && clockTime(*run.time) == wanted;
-  });
+  const auto sameTime = std::ranges::find_if(
+      runs.rbegin(), runs.rend(), [&](const Run& run) { return isAtThatTimeOfDay(run, *when); });
   return sameTime == runs.rend() ? nullptr : &*sameTime;
+}
+
+int sayNoSuchRun(std::span<const Run> runs, const std::string& wanted) {
+  const auto last = lastTime(runs);
+  fmt::print(stderr, "connWatch: of {}, none is \"{}\"{}\n  See them:  connWatch list\n",
+             counted(runs.size(), "run", "runs"), wanted,
+             last ? "; the last one was at " + isoLocal(*last) : "");
+  return kNothingToRead;
 }
 
 int summarise(const LogDirectory& directory, const Selection& selection, const Style& style) {
   const Reading reading = read(directory);
-  Period period{selection.since, selection.until};
-  const auto last = std::ranges::find_if(runsIn(reading.runs, period).rbegin(),
-                                         runsIn(reading.runs, period).rend(),
-                                         [](const Run& run) { return run.time.has_value(); });
-  if (last == runsIn(reading.runs, period).rend()) {
-    return sayNoRuns(reading, selection);
-  }
-  period.since = period.since.value_or(*last->time - kUsualPeriod);
   printTroubles(reading.evidence.troubles);
   if (selection.from.size() > 1) {
     print(paint(style, Tone::strong, directory.path().string()) + "\n");
   }
-  print(summaryView(runsIn(reading.runs, period), style));
+  Period period = selection.period;
+  const std::vector<Run> runs = runsIn(reading.runs, period);
+  if (runs.empty()) {
+    return sayNoRuns(directory, period);
+  }
+  if (const auto last = lastTime(runs); last && !period.since) {
+    period.since = *last - kUsualPeriod;
+  }
+  print(summaryView(runsIn(runs, period), style));
   return kDone;
 }
 
 }  // namespace
 
 int list(const Selection& selection, EpochSeconds now) {
-  const LogDirectory directory = directoryOf(selection);
-  const Reading reading =
-      selection.since ? readSince(directory, *selection.since) : read(directory);
-  const std::span<const Run> runs = runsIn(reading.runs, {selection.since, selection.until});
-  if (runs.empty()) {
-    return sayNoRuns(reading, selection);
-  }
+  Reading reading = readPeriod(directoryOf(selection), selection.period);
   printTroubles(reading.evidence.troubles);
+  const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
+  if (runs.empty()) {
+    return sayNoRuns(reading.directory, selection.period);
+  }
   print(listView(runs, now, styleOfStandardOutput()));
   return kDone;
 }
 
 int show(const Selection& selection, const std::string& wanted, EpochSeconds now) {
   const Reading reading = read(directoryOf(selection));
-  const std::span<const Run> runs = runsIn(reading.runs, {selection.since, selection.until});
+  printTroubles(reading.evidence.troubles);
+  const std::vector<Run> runs = runsIn(reading.runs, selection.period);
   if (runs.empty()) {
-    return sayNoRuns(reading, selection);
+    return sayNoRuns(reading.directory, selection.period);
   }
   const Run* const run = find(runs, wanted, now);
   if (run == nullptr) {
-    throw std::runtime_error(fmt::format(
-        "no run at {}: connWatch list shows them; the last one was {}", wanted,
-        runs.back().time ? isoLocal(*runs.back().time) : "at a time that is not known"));
+    return sayNoSuchRun(runs, wanted);
   }
-  printTroubles(reading.evidence.troubles);
   print(showView(*run, {reading.runs, reading.evidence.files, reading.directory, now},
                  styleOfStandardOutput()));
   return kDone;
@@ -192,22 +208,25 @@ int summary(const Selection& selection) {
 int check(const Selection& selection, const Limits& limits, EpochSeconds now) {
   const Reading reading = read(directoryOf(selection));
   printTroubles(reading.evidence.troubles);
-  const Checked checked = checkRuns(runsIn(reading.runs, {selection.since, selection.until}),
-                                    limits, now, styleOfStandardOutput());
+  const std::vector<Run> runs = runsIn(reading.runs, selection.period);
+  if (runs.empty()) {
+    sayNoRuns(reading.directory, selection.period);
+  }
+  const Checked checked = checkRuns(runs, reading.runs, limits, now, styleOfStandardOutput());
   print(checked.text);
   return static_cast<int>(checked.verdict);
 }
 
 int exportRuns(const Selection& selection, const ExportRequest& request) {
   if (request.format == "sqlite" && !request.output) {
-    throw std::runtime_error("a database goes to a file: say --output FILE");
+    throw UsageError("a database goes to a file: say --output FILE");
   }
-  const Reading reading = read(directoryOf(selection));
-  const std::span<const Run> runs = runsIn(reading.runs, {selection.since, selection.until});
-  if (runs.empty()) {
-    return sayNoRuns(reading, selection);
-  }
+  Reading reading = read(directoryOf(selection));
   printTroubles(reading.evidence.troubles);
+  const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
+  if (runs.empty()) {
+    return sayNoRuns(reading.directory, selection.period);
+  }
   Output output(request.output);
   if (request.format == "csv") {
     exportCsv(runs, reading.evidence.files, output);

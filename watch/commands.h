@@ -1,11 +1,12 @@
 // What the commands do: read, join, look, write.
 #pragma once
 
-#include "local_time.h"
+#include "figures/period.h"
 #include "views/check.h"
 
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,15 +14,20 @@ namespace watch {
 
 /// The statuses of the commands but `check`, which has a plugin's.
 inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
 inline constexpr int kUsageStatus = 2;
 inline constexpr int kNothingToRead = 3;
 
+/// What is asked for can't be done with this command line. The words say what to do.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 /// What every command takes.
 struct Selection {
-  /// Log directories; the user's own when empty.
+  /// Log directories; the user's own when empty. Only `summary` reads several.
   std::vector<std::filesystem::path> from;
-  std::optional<EpochSeconds> since;
-  std::optional<EpochSeconds> until;
+  Period period;
 };
 
 struct ExportRequest {
@@ -31,7 +37,8 @@ struct ExportRequest {
 };
 
 // Each writes figures to standard output and talk to standard error, and returns the exit status of
-// the program. `now` is the time of day by which ages are told.
+// the program. `now` is the time by which ages are told. They throw UsageError, and
+// std::runtime_error where something can't be written.
 int list(const Selection& selection, EpochSeconds now);
 int show(const Selection& selection, const std::string& run, EpochSeconds now);
 int summary(const Selection& selection);

@@ -16,8 +16,9 @@ constexpr EpochSeconds kMinute = 60;
 constexpr EpochSeconds kHour = 60 * kMinute;
 constexpr EpochSeconds kDay = 24 * kHour;
 
-constexpr std::string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun",
-                                        "jul", "aug", "sep", "oct", "nov", "dec"};
+constexpr std::string_view kMonths[] = {"january",   "february", "march",    "april",
+                                        "may",       "june",     "july",     "august",
+                                        "september", "october",  "november", "december"};
 
 std::string lowerCase(std::string_view text) {
   std::string lower(text);
@@ -25,15 +26,24 @@ std::string lowerCase(std::string_view text) {
   return lower;
 }
 
-/// Returns what stands between the characters of `separators`.
-std::vector<std::string_view> split(std::string_view text, std::string_view separators) {
+/// Returns what stands between the characters `separator`.
+std::vector<std::string_view> split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find_first_of(separators), text.size());
-    parts.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+  std::size_t begin = 0;
+  for (std::size_t end = text.find(separator); end != std::string_view::npos;
+       end = text.find(separator, begin)) {
+    parts.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
   }
+  parts.push_back(text.substr(begin));
   return parts;
+}
+
+/// Reads a number of so many digits, or of one less where it need not be filled.
+std::optional<unsigned> digits(std::string_view text, std::size_t least, std::size_t most) {
+  const bool isOfDigits = text.find_first_not_of("0123456789") == std::string_view::npos;
+  return isOfDigits && text.size() >= least && text.size() <= most ? wholeNumber<unsigned>(text)
+                                                                   : std::nullopt;
 }
 
 /// A day of the calendar as it is read, with a time of that day or without.
@@ -41,17 +51,43 @@ struct Reading {
   Calendar calendar;
   /// How much the text names: a day, a minute, a second.
   EpochSeconds length = kDay;
+  bool namesYear = true;
+  bool namesDay = true;
+  std::optional<std::int32_t> utcOffset;
 };
+
+/// Takes "Z" and "+01:00" off the end of a time. Returns false for another offset.
+bool takeOffset(std::string_view& time, Reading& reading) {
+  if (time.ends_with('Z')) {
+    reading.utcOffset = 0;
+    time.remove_suffix(1);
+    return true;
+  }
+  const std::size_t sign = time.find_first_of("+-");
+  if (sign == std::string_view::npos) {
+    return true;
+  }
+  const std::string_view offset = time.substr(sign + 1);
+  const auto hours = digits(offset.substr(0, offset.find(':')), 2, 2);
+  const auto minutes = offset.size() == 5 ? digits(offset.substr(3), 2, 2) : std::nullopt;
+  if (!hours || !minutes || *hours > 23 || *minutes > 59) {
+    return false;
+  }
+  const auto seconds = static_cast<std::int32_t>(*hours * kHour + *minutes * kMinute);
+  reading.utcOffset = time[sign] == '-' ? -seconds : seconds;
+  time = time.substr(0, sign);
+  return true;
+}
 
 /// Reads "05:01" and "05:01:12".
 bool readTime(std::string_view text, Reading& reading) {
-  const std::vector<std::string_view> parts = split(text, ":");
+  const std::vector<std::string_view> parts = split(text, ':');
   if (parts.size() != 2 && parts.size() != 3) {
     return false;
   }
-  const auto hour = wholeNumber<unsigned>(parts[0]);
-  const auto minute = wholeNumber<unsigned>(parts[1]);
-  const auto second = parts.size() == 3 ? wholeNumber<unsigned>(parts[2]) : std::optional(0U);
+  const auto hour = digits(parts[0], 1, 2);
+  const auto minute = digits(parts[1], 2, 2);
+  const auto second = parts.size() == 3 ? digits(parts[2], 2, 2) : std::optional(0U);
   if (!hour || !minute || !second || *hour > 23 || *minute > 59 || *second > 59) {
     return false;
   }
@@ -63,38 +99,48 @@ bool readTime(std::string_view text, Reading& reading) {
 }
 
 /// Reads "2026-11-21".
-bool readIsoDate(std::string_view text, Reading& reading) {
-  const std::vector<std::string_view> parts = split(text, "-");
-  if (parts.size() != 3 || parts[0].size() != 4) {
+bool readIsoDate(std::string_view text, Calendar& day) {
+  const std::vector<std::string_view> parts = split(text, '-');
+  if (parts.size() != 3) {
     return false;
   }
-  const auto year = wholeNumber<int>(parts[0]);
-  const auto month = wholeNumber<unsigned>(parts[1]);
-  const auto day = wholeNumber<unsigned>(parts[2]);
-  if (!year || !month || !day) {
+  const auto year = digits(parts[0], 4, 4);
+  const auto month = digits(parts[1], 2, 2);
+  const auto date = digits(parts[2], 2, 2);
+  if (!year || !month || !date) {
     return false;
   }
-  reading.calendar.year = *year;
-  reading.calendar.month = *month;
-  reading.calendar.day = *day;
+  day.year = static_cast<int>(*year);
+  day.month = *month;
+  day.day = *date;
   return true;
+}
+
+/// Reads "Nov" and "november". Returns 1 to 12, or nothing.
+std::optional<unsigned> readMonth(std::string_view text) {
+  constexpr std::size_t kShortest = 3;
+  const std::string lower = lowerCase(text);
+  const auto* const month = std::ranges::find_if(
+      kMonths, [&](std::string_view whole) { return whole.starts_with(lower); });
+  return lower.size() < kShortest || month == std::end(kMonths)
+             ? std::nullopt
+             : std::optional(static_cast<unsigned>(month - std::begin(kMonths)) + 1);
 }
 
 /// Reads "20 Nov" and "20 November 2026" off the front of `parts`.
 bool readNamedDate(std::vector<std::string_view>& parts, Reading& reading) {
-  const auto day = parts.size() >= 2 ? wholeNumber<unsigned>(parts[0]) : std::nullopt;
-  if (!day || parts[1].size() < 3) {
-    return false;
-  }
-  const auto* const month = std::ranges::find(kMonths, lowerCase(parts[1].substr(0, 3)));
-  if (month == std::end(kMonths)) {
+  const auto day = digits(parts[0], 1, 2);
+  const auto month = parts.size() >= 2 ? readMonth(parts[1]) : std::nullopt;
+  if (!day || !month) {
     return false;
   }
   reading.calendar.day = *day;
-  reading.calendar.month = static_cast<unsigned>(month - std::begin(kMonths)) + 1;
+  reading.calendar.month = *month;
   parts.erase(parts.begin(), parts.begin() + 2);
-  if (const auto year = parts.empty() ? std::nullopt : wholeNumber<int>(parts.front())) {
-    reading.calendar.year = *year;
+  const auto year = parts.empty() ? std::nullopt : digits(parts.front(), 4, 4);
+  reading.namesYear = year.has_value();
+  if (year) {
+    reading.calendar.year = static_cast<int>(*year);
     parts.erase(parts.begin());
   }
   return true;
@@ -104,41 +150,77 @@ bool exists(const Calendar& c) {
   return (std::chrono::year(c.year) / std::chrono::month(c.month) / std::chrono::day(c.day)).ok();
 }
 
+/// The last such day that there was. A leap day may be eight years ago.
+void findYear(Calendar& day, const Calendar& today) {
+  constexpr int kMostYears = 8;
+  for (day.year = today.year; day.year > today.year - kMostYears; --day.year) {
+    const bool isToCome =
+        day.year == today.year &&
+        (day.month > today.month || (day.month == today.month && day.day > today.day));
+    if (exists(day) && !isToCome) {
+      return;
+    }
+  }
+}
+
 /// Reads a date, a time of today, or both.
 std::optional<Reading> readDate(std::string_view text, const Calendar& today) {
-  std::vector<std::string_view> parts = split(text, text.find(' ') == text.npos ? "T" : " ");
-  Reading reading{{today.year, today.month, today.day, 0, 0, 0, 0}, kDay};
-  const bool isIso = !parts.empty() && readIsoDate(parts.front(), reading);
+  std::vector<std::string_view> parts = split(text, text.find(' ') == text.npos ? 'T' : ' ');
+  Reading reading;
+  reading.calendar = {today.year, today.month, today.day, 0, 0, 0, 0};
+  const bool isIso = readIsoDate(parts.front(), reading.calendar);
   if (isIso) {
     parts.erase(parts.begin());
   }
-  const bool isNamed = !isIso && readNamedDate(parts, reading);
-  const bool hasTime = parts.size() == 1 && readTime(parts.front(), reading);
-  const bool isWhole = parts.empty() || hasTime;
-  return isWhole && (isIso || isNamed || hasTime) && exists(reading.calendar)
-             ? std::optional(reading)
-             : std::nullopt;
+  reading.namesDay = isIso || readNamedDate(parts, reading);
+  if (!parts.empty()) {
+    if (parts.size() > 1 || (isIso && !takeOffset(parts.front(), reading)) ||
+        !readTime(parts.front(), reading)) {
+      return std::nullopt;
+    }
+  }
+  if (!reading.namesYear) {
+    findYear(reading.calendar, today);
+  }
+  return exists(reading.calendar) ? std::optional(reading) : std::nullopt;
+}
+
+/// What begins then by the wall clock, and is so long.
+When whenOf(LocalTime begin, EpochSeconds length) {
+  const LocalTime end{begin.seconds + length};
+  return {moments(begin).first, moments({end.seconds - 1}).second + 1, begin, end};
 }
 
 When dayOf(LocalTime local) {
   Calendar day = calendar(local);
   day.hour = day.minute = day.second = 0;
-  const LocalTime begin = fromCalendar(day);
-  return {moments(begin).first, moments({begin.seconds + kDay}).first};
+  return whenOf(fromCalendar(day), kDay);
+}
+
+When momentOf(EpochSeconds moment) {
+  return {moment, moment, {}, {}};
 }
 
 }  // namespace
+
+bool When::holds(EpochSeconds moment) const {
+  if (localBegin && localEnd) {
+    const LocalTime local = localTime(moment);
+    return *localBegin <= local && local < *localEnd;
+  }
+  return begin <= moment && moment < end;
+}
 
 std::optional<EpochSeconds> parseLength(std::string_view text) {
   constexpr struct {
     char unit;
     EpochSeconds seconds;
   } kUnits[] = {{'s', 1}, {'m', kMinute}, {'h', kHour}, {'d', kDay}, {'w', 7 * kDay}};
-  constexpr EpochSeconds kMost = 1'000'000;
+  constexpr std::size_t kMostDigits = 6;
   const auto number =
-      text.empty() ? std::nullopt : wholeNumber<EpochSeconds>(text.substr(0, text.size() - 1));
+      text.empty() ? std::nullopt : digits(text.substr(0, text.size() - 1), 1, kMostDigits);
   for (const auto& [unit, seconds] : kUnits) {
-    if (number && *number >= 0 && *number <= kMost && text.back() == unit) {
+    if (number && text.back() == unit) {
       return *number * seconds;
     }
   }
@@ -148,20 +230,26 @@ std::optional<EpochSeconds> parseLength(std::string_view text) {
 std::optional<When> parseWhen(std::string_view text, EpochSeconds now) {
   const LocalTime local = localTime(now);
   if (text == "now") {
-    return When{now, now};
+    return momentOf(now);
   }
   if (text == "today" || text == "yesterday") {
     return dayOf({local.seconds - (text == "today" ? 0 : kDay)});
   }
   if (const auto length = parseLength(text)) {
-    return When{now - *length, now - *length};
+    return momentOf(now - *length);
   }
   const auto reading = readDate(text, calendar(local));
   if (!reading) {
     return std::nullopt;
   }
   const LocalTime begin = fromCalendar(reading->calendar);
-  return When{moments(begin).first, moments({begin.seconds + reading->length}).first};
+  if (reading->utcOffset) {
+    const EpochSeconds moment = begin.seconds - *reading->utcOffset;
+    return When{moment, moment + reading->length, {}, {}};
+  }
+  When when = whenOf(begin, reading->length);
+  when.isOfAnyDay = !reading->namesDay;
+  return when;
 }
 
 }  // namespace watch

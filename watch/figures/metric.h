@@ -14,6 +14,8 @@ struct Metric {
   std::optional<double> (*of)(const Run& run);
   /// More is better.
   bool moreIsBetter;
+
+  bool isWorse(double one, double other) const { return moreIsBetter ? one < other : one > other; }
 };
 
 /// Rates are in Mbit/s (10^6 bits per second), the latency in milliseconds, the loss in percent.

@@ -1,22 +1,29 @@
 #include "figures/period.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace watch {
 
 namespace {
 
-bool isFinishedOrNamed(const Run& run) {
-  return !run.orphan;
-}
-
 /// Whether the run has tried to reach the server and nothing came back at all.
 bool hadNoConnection(const Run& run) {
-  return run.runClass == Class::failed && isFinishedOrNamed(run) &&
+  return run.runClass == Class::failed && !run.orphan &&
          (run.write.state == RateState::noTest || run.ping.state == PingState::noReply);
 }
 
+bool hadConnection(const Run& run) {
+  return run.runClass != Class::failed || run.ping.received.value_or(0) > 0;
+}
+
 }  // namespace
+
+std::optional<EpochSeconds> lastTime(std::span<const Run> runs) {
+  const auto last = std::ranges::find_if(runs.rbegin(), runs.rend(),
+                                         [](const Run& run) { return run.time.has_value(); });
+  return last == runs.rend() ? std::nullopt : last->time;
+}
 
 Rhythm rhythmOf(std::span<const Run> runs) {
   std::vector<EpochSeconds> times;
@@ -50,22 +57,20 @@ std::vector<std::optional<EpochSeconds>> placesInTime(std::span<const Run> runs)
   return places;
 }
 
-std::span<const Run> runsIn(std::span<const Run> runs, const Period& period) {
+std::vector<Run> runsIn(std::vector<Run> runs, const Period& period) {
   if (!period.since && !period.until) {
     return runs;
   }
   const std::vector<std::optional<EpochSeconds>> places = placesInTime(runs);
-  std::size_t first = 0;
-  while (first < runs.size() && period.since &&
-         places[first].value_or(*period.since - 1) < *period.since) {
-    ++first;
+  // A clock that was wrong leaves runs that are not in order.
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (places[i] && period.holds(*places[i])) {
+      std::swap(runs[kept++], runs[i]);
+    }
   }
-  std::size_t end = first;
-  while (end < runs.size() &&
-         (!period.until || places[end].value_or(*period.until) < *period.until)) {
-    ++end;
-  }
-  return runs.subspan(first, end - first);
+  runs.resize(kept);
+  return runs;
 }
 
 std::vector<Gap> gaps(std::span<const Run> runs) {
@@ -101,11 +106,11 @@ std::vector<Outage> outages(std::span<const Run> runs) {
     if (isOpen) {
       found.back().end = *places[i];
     }
-    if (!hadNoConnection(runs[i])) {
+    if (hadConnection(runs[i])) {
       isOpen = false;
-    } else if (isOpen) {
+    } else if (hadNoConnection(runs[i]) && isOpen) {
       found.back().last = i;
-    } else {
+    } else if (hadNoConnection(runs[i])) {
       found.push_back({i, i, *places[i], *places[i]});
       isOpen = true;
     }

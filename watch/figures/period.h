@@ -15,6 +15,10 @@ namespace watch {
 struct Period {
   std::optional<EpochSeconds> since;
   std::optional<EpochSeconds> until;
+
+  bool holds(EpochSeconds moment) const {
+    return (!since || *since <= moment) && (!until || moment < *until);
+  }
 };
 
 /// Returns for each run its time; for one without a time, where the rhythm would have it between
@@ -22,7 +26,10 @@ struct Period {
 std::vector<std::optional<EpochSeconds>> placesInTime(std::span<const Run> runs);
 
 /// Returns the runs in the period. A run without a time is where the rhythm would have it.
-std::span<const Run> runsIn(std::span<const Run> runs, const Period& period);
+std::vector<Run> runsIn(std::vector<Run> runs, const Period& period);
+
+/// Returns the time of the last run that has one.
+std::optional<EpochSeconds> lastTime(std::span<const Run> runs);
 
 /// Returns how often the runs came: the median of the times between them.
 Rhythm rhythmOf(std::span<const Run> runs);
@@ -36,7 +43,8 @@ struct Gap {
 };
 std::vector<Gap> gaps(std::span<const Run> runs);
 
-/// Runs one after the other in which nothing came through.
+/// Runs one after the other in which nothing came through. One that tells neither, since it was
+/// ended too early, does not end an outage.
 struct Outage {
   std::size_t first;
   std::size_t last;

@@ -2,6 +2,8 @@
 
 #include "figures/statistics.h"
 
+#include <algorithm>
+#include <map>
 #include <utility>
 
 namespace watch {
@@ -48,21 +50,38 @@ std::array<std::optional<double>, 24> byHour(std::span<const Run> runs, const Me
   return middles;
 }
 
-std::vector<std::optional<double>> byDay(std::span<const Run> runs, const Metric& metric,
-                                         EpochSeconds first, EpochSeconds last) {
-  const std::int64_t firstDay = localDay(first);
-  std::vector<std::vector<double>> values(static_cast<std::size_t>(localDay(last) - firstDay + 1));
+std::optional<Days> daysOf(std::span<const Run> runs) {
+  std::optional<EpochSeconds> first;
+  std::optional<EpochSeconds> last;
   for (const Run& run : runs) {
-    if (const auto value = metric.of(run); value && run.time) {
-      values.at(static_cast<std::size_t>(localDay(*run.time) - firstDay)).push_back(*value);
+    if (run.time) {
+      first = std::min(first.value_or(*run.time), *run.time);
+      last = std::max(last.value_or(*run.time), *run.time);
     }
   }
-  std::vector<std::optional<double>> middles;
-  middles.reserve(values.size());
-  for (std::vector<double>& day : values) {
-    middles.push_back(median(std::move(day)));
+  return first
+             ? std::optional(Days{*first, *last,
+                                  static_cast<std::size_t>(localDay(*last) - localDay(*first)) + 1})
+             : std::nullopt;
+}
+
+std::vector<std::optional<double>> byDay(std::span<const Run> runs, const Metric& metric,
+                                         const Days& days, std::size_t size) {
+  const std::int64_t first = localDay(days.first);
+  // Years can be between two runs when a clock was wrong.
+  std::map<std::int64_t, std::vector<double>> values;
+  for (const Run& run : runs) {
+    if (const auto value = metric.of(run); value && run.time) {
+      values[localDay(*run.time)].push_back(*value);
+    }
   }
-  return middles;
+  std::vector<std::optional<double>> worst((days.count + size - 1) / size);
+  for (auto& [day, ofDay] : values) {
+    std::optional<double>& place = worst.at(static_cast<std::size_t>(day - first) / size);
+    const double middle = *median(std::move(ofDay));
+    place = !place || metric.isWorse(middle, *place) ? middle : *place;
+  }
+  return worst;
 }
 
 UsualThen usualThen(std::span<const Run> runs, const Metric& metric, EpochSeconds moment) {

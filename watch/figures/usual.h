@@ -26,9 +26,20 @@ Usual usual(std::span<const Run> runs, const Metric& metric);
 /// The middle value of each hour of the local day.
 std::array<std::optional<double>, 24> byHour(std::span<const Run> runs, const Metric& metric);
 
-/// The middle value of each local day from the one of `first` to the one of `last`.
+/// The local days from one run to another.
+struct Days {
+  EpochSeconds first;
+  EpochSeconds last;
+  std::size_t count;
+};
+
+/// From the day of the earliest run to that of the latest one. Nothing without a time.
+std::optional<Days> daysOf(std::span<const Run> runs);
+
+/// The middle value of each of `days`, or, of each `size` days, the worst one. No run may be of
+/// another day.
 std::vector<std::optional<double>> byDay(std::span<const Run> runs, const Metric& metric,
-                                         EpochSeconds first, EpochSeconds last);
+                                         const Days& days, std::size_t size);
 
 /// What was usual at the hour of `moment` in the 28 days before it; at any hour, when that hour has
 /// fewer than three values. `count` tells of how many values it is.

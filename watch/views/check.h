@@ -27,14 +27,16 @@ struct Limits {
   std::optional<EpochSeconds> maxAge;
 };
 
+/// The text's first line is for people; behind a "|" stand the performance data, where it is no
+/// terminal. Lines of the runs that are bad may follow.
 struct Checked {
   Verdict verdict;
-  /// The first line is for people; behind a "|" stand the performance data, where it is no
-  /// terminal.
   std::string text;
 };
 
-Checked checkRuns(std::span<const Run> runs, const Limits& limits, EpochSeconds now,
-                  const Style& style);
+/// Judges the last of `runs`; `known` are all that there are, for what is usual. Where the figure
+/// that was asked for cannot be told, that is "unknown", and no guess.
+Checked checkRuns(std::span<const Run> runs, std::span<const Run> known, const Limits& limits,
+                  EpochSeconds now, const Style& style);
 
 }  // namespace watch

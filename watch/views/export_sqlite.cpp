@@ -16,9 +16,10 @@ struct Close {
 
 class Database {
  public:
-  explicit Database(const std::string& path) {
+  /// The file is the one where `output` grows.
+  explicit Database(const Output& output) : name_(output.name()) {
     sqlite3* database = nullptr;
-    const int status = sqlite3_open(path.c_str(), &database);
+    const int status = sqlite3_open(output.temporary().c_str(), &database);
     database_.reset(database);
     check(status == SQLITE_OK);
   }
@@ -34,11 +35,12 @@ class Database {
   }
   void check(bool worked) const {
     if (!worked) {
-      throw std::runtime_error(std::string("SQLite: ") + sqlite3_errmsg(database_.get()));
+      throw std::runtime_error(name_ + ": " + sqlite3_errmsg(database_.get()));
     }
   }
 
  private:
+  std::string name_;
   std::unique_ptr<sqlite3, Close> database_;
 };
 
@@ -92,7 +94,7 @@ void exportSqlite(std::span<const Run> runs, const std::vector<std::string>& fil
     columns += ", \"" + column.name + "\" " + sqlType(column.kind);
     parameters += ", ?";
   }
-  Database database(output.temporary().string());
+  Database database(output);
   // The file takes its place when it is whole: until then, nothing needs to be kept.
   database.run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
   database.run("CREATE TABLE runs (" + columns + ") STRICT");

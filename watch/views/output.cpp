@@ -8,9 +8,35 @@
 
 namespace watch {
 
+namespace {
+
+/// The rights of the file that is replaced, or those of a new one.
+mode_t rightsFor(const std::filesystem::path& path) {
+  struct stat old {};
+  if (stat(path.c_str(), &old) == 0) {
+    return old.st_mode & 0777U;
+  }
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666U & ~mask;
+}
+
+}  // namespace
+
 Output::Output(std::optional<std::filesystem::path> path) : path_(std::move(path)) {
-  if (!path_) {
-    return;
+  if (path_) {
+    begin();
+  }
+}
+
+void Output::begin() {
+  std::error_code none;
+  if (const auto target = std::filesystem::canonical(*path_, none); !none) {
+    path_ = target;
+    if (!std::filesystem::is_regular_file(*path_)) {
+      throw std::system_error(std::make_error_code(std::errc::invalid_argument),
+                              path_->string() + " is no file that can be replaced");
+    }
   }
   std::string pattern = path_->string() + ".XXXXXX";
   const int descriptor = mkstemp(pattern.data());
@@ -18,17 +44,18 @@ Output::Output(std::optional<std::filesystem::path> path) : path_(std::move(path
     fail();
   }
   temporary_ = pattern;
-  // mkstemp makes it readable for its owner alone.
-  const mode_t mask = umask(0);
-  umask(mask);
-  fchmod(descriptor, 0666 & ~mask);
+  fchmod(descriptor, rightsFor(*path_));
   file_ = fdopen(descriptor, "w");
+  if (file_ == nullptr) {
+    unlink(temporary_.c_str());
+    fail();
+  }
 }
 
 Output::~Output() {
   if (path_ && file_ != nullptr) {
     std::fclose(file_);
-    std::filesystem::remove(temporary_);
+    unlink(temporary_.c_str());
   }
 }
 
@@ -52,9 +79,18 @@ void Output::finish() {
   file_ = nullptr;
 }
 
+std::string Output::name() const {
+  return path_ ? path_->string() : "standard output";
+}
+
 void Output::fail() const {
-  throw std::system_error(errno, std::generic_category(),
-                          path_ ? path_->string() : "standard output");
+  throw std::system_error(errno, std::generic_category(), name());
+}
+
+void print(std::string_view text) {
+  Output output(std::nullopt);
+  output.write(text);
+  output.finish();
 }
 
 }  // namespace watch

@@ -1,4 +1,4 @@
-// Where an export goes: standard output, or a file that is replaced in one step.
+// Where the commands write: standard output, or a file that is replaced in one step.
 #pragma once
 
 #include <cstdio>
@@ -9,11 +9,11 @@
 
 namespace watch {
 
-/// Collects what is written. Nothing of it is there before finish(). Throws std::system_error with
-/// the name of what can't be written.
+/// Collects what is written. A file is there only when finish() has returned. Throws
+/// std::system_error with the name of what can't be written.
 class Output {
  public:
-  /// Without a path, standard output.
+  /// Without a path, standard output. A link is followed; what is no regular file is refused.
   explicit Output(std::optional<std::filesystem::path> path);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
@@ -25,13 +25,19 @@ class Output {
   const std::filesystem::path& temporary() const { return temporary_; }
   /// Puts the file in its place: written to the disk, then renamed.
   void finish();
+  /// What is written, for messages.
+  std::string name() const;
 
  private:
+  void begin();
   [[noreturn]] void fail() const;
 
   std::optional<std::filesystem::path> path_;
   std::filesystem::path temporary_;
   std::FILE* file_ = stdout;
 };
+
+/// Writes to standard output what a command has to say.
+void print(std::string_view text);
 
 }  // namespace watch

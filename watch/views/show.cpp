@@ -1,12 +1,16 @@
 #include "views/show.h"
 
+#include "evidence/ping_output.h"
+#include "evidence/text.h"
 #include "figures/metric.h"
 #include "figures/usual.h"
 #include "views/words.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace watch {
 
@@ -44,7 +48,7 @@ const char* meaning(PingState state) {
 const char* meaning(RateState state) {
   switch (state) {
     case RateState::cut:
-      return "no rate of the line; left out of all figures";
+      return "no rate of the line, left out of all figures";
     case RateState::nothingMoved:
       return "connected, but no byte was moved";
     case RateState::noTest:
@@ -61,10 +65,63 @@ const char* meaning(RateState state) {
   return "";
 }
 
+/// Where the figures begin, and what is said of them.
+constexpr std::size_t kLabels = 10;
+constexpr std::size_t kFigures = 34;
+
+std::string label(std::string_view text) {
+  return left(std::string("  ").append(text), kLabels);
+}
+
+/// The times of the replies of a ping's output, which is read again.
+std::vector<double> repliesOf(const Source& from, const ShowContext& context) {
+  std::vector<PingOutput> outputs;
+  PingOutputReader reader(outputs);
+  std::vector<double> times;
+  double sum = 0;
+  Troubles ignored;
+  context.directory.readLines(context.files[from.file], ignored,
+                              [&](std::string_view text, std::uint32_t number) {
+                                if (number < from.first || number > from.last) {
+                                  return;
+                                }
+                                reader.take(text, from.file, number);
+                                if (!outputs.empty() && outputs.front().replies > times.size()) {
+                                  times.push_back(outputs.front().sumMs - sum);
+                                  sum = outputs.front().sumMs;
+                                }
+                              });
+  return times;
+}
+
+/// Returns the line that `from` names.
+std::string lineAt(const Source& from, const ShowContext& context) {
+  Troubles ignored;
+  std::string line;
+  context.directory.readLines(context.files[from.file], ignored,
+                              [&](std::string_view text, std::uint32_t number) {
+                                if (number == from.first) {
+                                  line = printable(text);
+                                }
+                              });
+  return line;
+}
+
+std::string amount(const Rate& rate) {
+  if (!rate.bytes || std::isnan(rate.seconds)) {
+    return "";
+  }
+  return fmt::format("{} in {:.1f} s{}", megabytes(static_cast<double>(*rate.bytes)), rate.seconds,
+                     rate.duration ? fmt::format(" of {} s", *rate.duration) : "");
+}
+
 class RunView {
  public:
   RunView(const Run& run, const ShowContext& context, const Style& style)
-      : run_(run), context_(context), style_(style) {}
+      : run_(run),
+        context_(context),
+        style_(style),
+        width_(style.isTerminal ? style.width : std::string::npos) {}
 
   std::string text() {
     addHeading();
@@ -78,33 +135,43 @@ class RunView {
   }
 
  private:
-  void line(const std::string& text) { text_ += text + "\n"; }
-  void field(const std::string& label, const std::string& figure, const std::string& more) {
-    std::string line =
-        paint(style_, Tone::strong, left("  " + label, 10)) + left(figure, 25) + more;
-    while (line.ends_with(' ')) {
-      line.pop_back();
+  void line(const std::string& text) { text_ += trimmed(text) + "\n"; }
+
+  /// Adds a text behind `column` blanks, in lines that fit.
+  void textFrom(std::size_t column, Tone tone, const std::string& text) {
+    line(std::string(column, ' ') + paint(style_, tone, folded(text, width_, column)));
+  }
+
+  /// What is said of a figure stands beside it, or below where there is no room.
+  void field(const char* name, const std::string& figure, const std::string& more) {
+    const std::string begin = paint(style_, Tone::strong, label(name)) + figure;
+    if (kFigures + columns(more) <= width_ || more.empty()) {
+      line(left(begin, kFigures) + more);
+    } else {
+      line(begin);
+      line(std::string(kLabels, ' ') + more);
     }
-    text_ += line + "\n";
   }
 
   void addHeading() {
-    const std::string when =
-        run_.time ? fmt::format("{}, {} {} ({})", weekdayAndDate(*run_.time),
-                                isoLocal(*run_.time).substr(11, 8), isoLocal(*run_.time).substr(19),
-                                ago(*run_.time, context_.now))
-                  : "The time of this run is not known";
-    const Tone tone = run_.runClass == Class::ok        ? Tone::good
-                      : run_.runClass == Class::partial ? Tone::warning
-                                                        : Tone::bad;
-    const std::string reasons = reason(run_);
-    line(paint(style_, Tone::strong, when));
-    line(paint(style_, tone, name(run_.runClass)) + (reasons.empty() ? "" : ": " + reasons));
+    if (run_.time) {
+      const std::string iso = isoLocal(*run_.time);
+      line(paint(style_, Tone::strong,
+                 fmt::format("{}, {} {}", weekdayAndDate(*run_.time), iso.substr(11, 8),
+                             iso.substr(19))) +
+           " (" + ago(*run_.time, context_.now) + ")");
+    } else {
+      line(paint(style_, Tone::strong, "The time of this run is not known"));
+    }
+    const std::string why = reason(run_);
+    line(paint(style_, tone(run_.runClass), name(run_.runClass)) +
+         (why.empty() ? "" : ": " + folded(why, width_, std::strlen(name(run_.runClass)) + 2)));
     if (run_.foldUnresolved) {
-      line("This hour of the clock came twice; which one it was cannot be told.");
+      textFrom(0, Tone::warning,
+               "This hour of the clock came twice; which one it was cannot be told.");
     }
     if (!run_.server.empty()) {
-      line(fmt::format("{} -> {}{}", run_.client, run_.server, tests()));
+      textFrom(0, Tone::plain, fmt::format("{} -> {}{}", run_.client, run_.server, tests()));
     }
     line("");
   }
@@ -121,7 +188,8 @@ class RunView {
         std::isnan(ping.avg)
             ? "-"
             : fmt::format("{} / {} / {} ms", milliseconds(known(ping.min)),
-                          milliseconds(known(ping.avg)), milliseconds(known(ping.max)));
+                          paint(style_, Tone::strong, milliseconds(known(ping.avg))),
+                          milliseconds(known(ping.max)));
     std::string more;
     if (ping.sent && ping.received) {
       more = fmt::format("{} of {} back", *ping.received, *ping.sent);
@@ -129,32 +197,48 @@ class RunView {
     if (!std::isnan(ping.stddev)) {
       more += fmt::format("{}deviation {}", more.empty() ? "" : ", ", milliseconds(ping.stddev));
     }
-    field("ping", figures, more);
+    field("ping", figures, more + replies(columns(more)));
     addMeaning(meaning(ping.state));
   }
 
-  void addRate(const char* label, const Rate& rate) {
-    const auto bps = known(rate.bps);
-    const bool isFigure = bps && rate.state != RateState::nothingMoved;
-    field(label, isFigure ? megabits(*bps / kMega) + " Mbit/s" : "-", amount(rate));
-    std::string more = meaning(rate.state);
-    if (!rate.reason.empty()) {
-      more += (more.empty() ? "" : ": ") + rate.reason;
-    }
-    addMeaning(more);
-  }
-
-  static std::string amount(const Rate& rate) {
-    if (!rate.bytes || std::isnan(rate.seconds)) {
+  /// A bar for each reply, from the quickest to the slowest, where there is room behind `before`
+  /// characters.
+  std::string replies(std::size_t before) const {
+    constexpr std::size_t kBlanks = 3;
+    if (run_.outputs.empty()) {
       return "";
     }
-    return fmt::format("{} in {:.1f} s{}", megabytes(static_cast<double>(*rate.bytes)),
-                       rate.seconds, rate.duration ? fmt::format(" of {} s", *rate.duration) : "");
+    const std::vector<double> times = repliesOf(run_.outputs.back(), context_);
+    const std::size_t room = std::min<std::size_t>(width_, 80);
+    if (times.size() < 2 || kFigures + before + kBlanks + times.size() > room) {
+      return "";
+    }
+    const auto [least, most] = std::ranges::minmax(times);
+    std::string bars;
+    for (const double time : times) {
+      bars += bar(style_, time - least, most - least);
+    }
+    return std::string(kBlanks, ' ') + paint(style_, Tone::accent, bars);
+  }
+
+  void addRate(const char* test, const Rate& rate) {
+    const auto bps = known(rate.bps);
+    const bool isFigure = bps && rate.state != RateState::nothingMoved;
+    const Tone tone = rate.isMeasured() ? Tone::strong : Tone::warning;
+    field(test, isFigure ? paint(style_, tone, megabits(*bps / kMega)) + " Mbit/s" : "-",
+          amount(rate));
+    const std::string means = meaning(rate.state);
+    if (rate.reason.empty()) {
+      addMeaning(means);
+    } else {
+      addMeaning(rate.state == RateState::cut ? rate.reason + ": " + means
+                                              : means + ": " + rate.reason);
+    }
   }
 
   void addMeaning(const std::string& meaning) {
     if (!meaning.empty()) {
-      line(std::string(10, ' ') + paint(style_, Tone::warning, meaning));
+      textFrom(kLabels, Tone::warning, meaning);
     }
   }
 
@@ -162,33 +246,39 @@ class RunView {
     if (!run_.time) {
       return;
     }
-    std::string usual;
+    std::vector<std::string> atThatHour;
+    std::vector<std::string> atAnyHour;
     for (const Metric* const metric : {&kLatency, &kWrite, &kRead}) {
       const UsualThen then = usualThen(context_.runs, *metric, *run_.time);
       if (then.middle) {
-        const std::string figure =
-            metric == &kLatency ? milliseconds(then.middle) : megabits(then.middle);
-        usual += fmt::format("{}{} {} {}", usual.empty() ? "" : ", ", metric->name, figure,
-                             metric->unit);
+        (then.isOfThatHour ? atThatHour : atAnyHour)
+            .push_back(
+                fmt::format("{} {} {}", metric->name,
+                            metric == &kLatency ? milliseconds(then.middle) : megabits(then.middle),
+                            metric->unit));
       }
     }
-    if (!usual.empty()) {
-      line(paint(style_, Tone::dim,
-                 fmt::format("  usual at {}:00 in the 28 days before: {}",
-                             clockTime(*run_.time).substr(0, 2), usual)));
+    addUsual(" at " + clockTime(*run_.time).substr(0, 2) + ":00", atThatHour);
+    addUsual("", atAnyHour);
+  }
+
+  void addUsual(const std::string& when, const std::vector<std::string>& figures) {
+    if (!figures.empty()) {
+      textFrom(2, Tone::dim,
+               fmt::format("usual{} in the 28 days before: {}", when, fmt::join(figures, ", ")));
     }
   }
 
   void addDoubts() {
     if (!run_.unsure.empty()) {
       line("");
-      line(paint(style_, Tone::warning, "Unsure: ") + run_.unsure);
+      line(paint(style_, Tone::warning, "Unsure: ") + folded(run_.unsure, width_, 8));
     }
   }
 
   void addSources() {
     line("");
-    line(paint(style_, Tone::strong, "Kept in ") + context_.directory.path().string());
+    line(paint(style_, Tone::strong, "Kept in") + " " + context_.directory.path().string());
     addSources("ping", run_.pings);
     addSources(run_.pings.empty() ? "ping" : "", run_.outputs);
     addSource("write", run_.forward);
@@ -199,50 +289,37 @@ class RunView {
     }
   }
 
-  void addSource(const char* label, const Source& from) {
+  void addSource(const char* name, const Source& from) {
     if (from.isThere()) {
-      addSources(label, {from});
+      addSources(name, {from});
     }
   }
 
-  void addSources(const char* label, const std::vector<Source>& sources) {
+  void addSources(const char* name, const std::vector<Source>& sources) {
     for (const Source& from : sources) {
-      const std::string lines = from.first == from.last
-                                    ? fmt::format("{}", from.first)
-                                    : fmt::format("{}-{}", from.first, from.last);
-      line(left(std::string("  ") + label, 10) +
-           fmt::format("{}:{}", context_.files[from.file], lines));
-      label = "";
+      line(fmt::format("{}{}:{}{}", label(name), printable(context_.files[from.file]), from.first,
+                       from.first == from.last ? "" : fmt::format("-{}", from.last)));
+      name = "";
     }
   }
 
   /// What the result line says, and what it does not.
   void addResult() {
-    Troubles ignored;
-    std::string says;
-    context_.directory.readLines(context_.files[run_.result.file], ignored,
-                                 [&](std::string_view text, std::uint32_t number) {
-                                   if (number == run_.result.first) {
-                                     says = text;
-                                   }
-                                 });
+    const std::string says = lineAt(run_.result, context_);
     const std::size_t latency = says.find("Latency");
     if (latency == std::string::npos) {
       return;
     }
-    says = says.substr(latency);
-    while (says.ends_with(' ')) {
-      says.pop_back();
-    }
-    line(std::string(10, ' ') + paint(style_, Tone::dim, "says \"" + says + "\""));
+    textFrom(kLabels, Tone::dim, "says \"" + trimmed(says.substr(latency)) + "\"");
     if (run_.write.state == RateState::cut || run_.read.state == RateState::cut) {
-      line(std::string(10, ' ') + paint(style_, Tone::dim, "which does not show the cut"));
+      textFrom(kLabels, Tone::dim, "which does not show the cut");
     }
   }
 
   const Run& run_;
   const ShowContext& context_;
   const Style& style_;
+  std::size_t width_;
   std::string text_;
 };
 

@@ -43,12 +43,6 @@ bool isSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-std::size_t charactersOf(std::string_view text) {
-  // The bytes of a character in UTF-8 but its first begin with the bits 10.
-  return static_cast<std::size_t>(std::ranges::count_if(
-      text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
 }  // namespace
 
 Style styleOfStandardOutput() {
@@ -71,29 +65,56 @@ std::string paint(const Style& style, Tone tone, std::string_view text) {
                                                 : std::string(text);
 }
 
+Tone tone(Class runClass) {
+  constexpr Tone kTones[] = {Tone::good, Tone::warning, Tone::bad};
+  return kTones[static_cast<std::size_t>(runClass)];
+}
+
 std::string bar(const Style& style, double value, double most) {
   const double share = most > 0 ? std::clamp(value / most, 0.0, 1.0) : 0;
   const auto place = static_cast<std::size_t>(std::lround(share * (kBars - 1)));
   return (style.hasBars ? kBlocks : kDigits)[place];
 }
 
+const char* noBar(const Style& style) {
+  return style.hasBars ? "·" : ".";
+}
+
 std::string sparkline(const Style& style, std::span<const std::optional<double>> values,
                       double most) {
   std::string line;
   for (const std::optional<double>& value : values) {
-    line += value ? bar(style, *value, most) : style.hasBars ? "·" : ".";
+    line += value ? bar(style, *value, most) : noBar(style);
   }
   return line;
 }
 
+std::size_t columns(std::string_view text) {
+  std::size_t count = 0;
+  bool isInColour = false;
+  for (const char c : text) {
+    isInColour = isInColour ? c != 'm' : c == '\x1b';
+    // The bytes of a character in UTF-8 but its first begin with the bits 10.
+    const bool isFirst = (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+    count += isInColour || !isFirst ? 0 : 1;
+  }
+  // The last of a colour's characters was counted.
+  return count - static_cast<std::size_t>(std::ranges::count(text, '\x1b'));
+}
+
 std::string right(std::string_view text, std::size_t width) {
-  const std::size_t length = charactersOf(text);
+  const std::size_t length = columns(text);
   return std::string(width > length ? width - length : 0, ' ').append(text);
 }
 
 std::string left(std::string_view text, std::size_t width) {
-  const std::size_t length = charactersOf(text);
+  const std::size_t length = columns(text);
   return std::string(text).append(width > length ? width - length : 0, ' ');
+}
+
+std::string trimmed(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
 }
 
 }  // namespace watch

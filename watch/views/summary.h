@@ -9,7 +9,7 @@
 
 namespace watch {
 
-/// `runs` are those of the period, at least one of them with a time.
+/// `runs` are those of the period, at least one.
 std::string summaryView(std::span<const Run> runs, const Style& style);
 
 }  // namespace watch

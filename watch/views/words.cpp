@@ -30,7 +30,7 @@ std::string megabits(std::optional<double> value) {
   if (!value) {
     return "-";
   }
-  const int digits = *value >= 10 || *value == 0 ? 1 : *value >= 1 ? 2 : 3;
+  const int digits = *value >= 10000 ? 0 : *value >= 10 || *value == 0 ? 1 : *value >= 1 ? 2 : 3;
   return fmt::format("{:.{}f}", *value, digits);
 }
 
@@ -53,14 +53,17 @@ std::string megabytes(double bytes) {
 }
 
 std::string span(EpochSeconds seconds) {
-  if (seconds < 2 * kMinute) {
-    return fmt::format("{} s", seconds);
+  constexpr struct {
+    EpochSeconds length;
+    EpochSeconds below;
+    const char* name;
+  } kUnits[] = {{1, 100, "s"}, {kMinute, 100 * kMinute, "min"}, {kHour, 48 * kHour, "h"}};
+  for (const auto& [length, below, name] : kUnits) {
+    if (seconds < below) {
+      return fmt::format("{} {}", (seconds + length / 2) / length, name);
+    }
   }
-  if (seconds < 2 * kHour) {
-    return fmt::format("{} min", seconds / kMinute);
-  }
-  return seconds < 2 * kDay ? fmt::format("{} h", seconds / kHour)
-                            : fmt::format("{} days", seconds / kDay);
+  return fmt::format("{} days", (seconds + kDay / 2) / kDay);
 }
 
 std::string ago(EpochSeconds then, EpochSeconds now) {
@@ -72,22 +75,22 @@ std::string clockTime(EpochSeconds moment) {
   return fmt::format("{:02}:{:02}", c.hour, c.minute);
 }
 
-std::string weekdayAndDay(EpochSeconds moment) {
-  const Calendar c = local(moment);
-  return fmt::format("{} {} {}", kWeekdays[c.weekday], c.day, month(c));
-}
-
 std::string weekdayAndDate(EpochSeconds moment) {
   const Calendar c = local(moment);
   return fmt::format("{} {} {:.3} {}", kWeekdays[c.weekday], c.day, month(c), c.year);
 }
 
-std::string dayAndMonth(EpochSeconds moment) {
+std::string dayAndMonth(EpochSeconds moment, EpochSeconds now) {
   const Calendar c = local(moment);
-  return fmt::format("{} {}", c.day, month(c));
+  return fmt::format("{} {}{}", c.day, month(c),
+                     c.year == local(now).year ? "" : fmt::format(" {}", c.year));
 }
 
-std::string days(EpochSeconds first, EpochSeconds last) {
+std::string weekdayAndDay(EpochSeconds moment, EpochSeconds now) {
+  return fmt::format("{} {}", kWeekdays[local(moment).weekday], dayAndMonth(moment, now));
+}
+
+std::string dates(EpochSeconds first, EpochSeconds last) {
   const Calendar from = local(first);
   const Calendar to = local(last);
   const std::string end = fmt::format("{} {} {}", to.day, month(to), to.year);
@@ -102,6 +105,23 @@ std::string days(EpochSeconds first, EpochSeconds last) {
 
 std::string counted(std::size_t count, const char* one, const char* many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+std::string folded(std::string_view text, std::size_t width, std::size_t indent) {
+  std::string lines;
+  std::size_t column = 0;
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    text.remove_prefix(std::min(word.size() + 1, text.size()));
+    if (column > 0 && indent + column + 1 + word.size() > width) {
+      lines += "\n" + std::string(indent, ' ');
+      column = 0;
+    }
+    lines += column > 0 ? " " : "";
+    lines += word;
+    column += word.size() + (column > 0 ? 1 : 0);
+  }
+  return lines;
 }
 
 }  // namespace watch
