@@ -202,9 +202,9 @@ int run(const CLI::App& app, const Arguments& arguments) {
     return check(arguments.selection, arguments.limits, now);
   }
   if (app.got_subcommand("export")) {
-    return exportRuns(arguments.selection, arguments.request);
+    return exportRuns(arguments.selection, arguments.request, now);
   }
-  return summary(arguments.selection);
+  return summary(arguments.selection, now);
 }
 
 /// Says what went wrong. A plugin that can't do what it was asked for is "unknown", and says so

@@ -61,27 +61,35 @@ void printTroubles(const Troubles& troubles) {
   }
 }
 
-Reading read(LogDirectory directory) {
+Reading read(LogDirectory directory, EpochSeconds now) {
   Reading reading{std::move(directory), {}, {}};
   reading.evidence = readEvidence(reading.directory);
-  reading.runs = joinRuns(reading.evidence);
+  reading.runs = joinRuns(reading.evidence, now);
+  return reading;
+}
+
+/// The same without a run that is going on, of which nothing can be said yet.
+Reading readEnded(LogDirectory directory, EpochSeconds now) {
+  Reading reading = read(std::move(directory), now);
+  std::erase_if(reading.runs, [](const Run& run) { return run.ongoing; });
   return reading;
 }
 
 /// Whether nothing of the run is open, so that files that were not read could say no more.
 bool isSettled(const Run& run) {
-  return run.finished && run.time && run.unsure.empty();
+  return run.ongoing || (run.finished && run.time && run.unsure.empty());
 }
 
 /// Reads what the period needs, and all when that leaves a question open.
-Reading readPeriod(const LogDirectory& directory, const Period& period) {
+Reading readPeriod(const LogDirectory& directory, const Period& period, EpochSeconds now) {
   if (!period.since) {
-    return read(directory);
+    return read(directory, now);
   }
   Reading reading{directory, readEvidenceSince(directory, localTime(*period.since)), {}};
-  reading.runs = joinRuns(reading.evidence);
-  return std::ranges::all_of(runsIn(reading.runs, {period.since, {}}), isSettled) ? reading
-                                                                                  : read(directory);
+  reading.runs = joinRuns(reading.evidence, now);
+  return std::ranges::all_of(runsIn(reading.runs, {period.since, {}}), isSettled)
+             ? reading
+             : read(directory, now);
 }
 
 int sayNoRuns(const LogDirectory& directory, const Period& period) {
@@ -143,8 +151,9 @@ int sayNoSuchRun(std::span<const Run> runs, const std::string& wanted) {
   return kNothingToRead;
 }
 
-int summarise(const LogDirectory& directory, const Selection& selection, const Style& style) {
-  const Reading reading = read(directory);
+int summarise(const LogDirectory& directory, const Selection& selection, EpochSeconds now,
+              const Style& style) {
+  const Reading reading = readEnded(directory, now);
   printTroubles(reading.evidence.troubles);
   if (selection.from.size() > 1) {
     print(paint(style, Tone::strong, directory.path().string()) + "\n");
@@ -164,7 +173,7 @@ int summarise(const LogDirectory& directory, const Selection& selection, const S
 }  // namespace
 
 int list(const Selection& selection, EpochSeconds now) {
-  Reading reading = readPeriod(directoryOf(selection), selection.period);
+  Reading reading = readPeriod(directoryOf(selection), selection.period, now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
   if (runs.empty()) {
@@ -175,7 +184,7 @@ int list(const Selection& selection, EpochSeconds now) {
 }
 
 int show(const Selection& selection, const std::string& wanted, EpochSeconds now) {
-  const Reading reading = read(directoryOf(selection));
+  const Reading reading = read(directoryOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(reading.runs, selection.period);
   if (runs.empty()) {
@@ -190,23 +199,23 @@ int show(const Selection& selection, const std::string& wanted, EpochSeconds now
   return kDone;
 }
 
-int summary(const Selection& selection) {
+int summary(const Selection& selection, EpochSeconds now) {
   const Style style = styleOfStandardOutput();
   if (selection.from.empty()) {
-    return summarise(ownDirectory(), selection, style);
+    return summarise(ownDirectory(), selection, now, style);
   }
   int status = kDone;
   for (const std::filesystem::path& path : selection.from) {
     if (&path != &selection.from.front()) {
       print("\n");
     }
-    status = std::max(status, summarise(LogDirectory(path), selection, style));
+    status = std::max(status, summarise(LogDirectory(path), selection, now, style));
   }
   return status;
 }
 
 int check(const Selection& selection, const Limits& limits, EpochSeconds now) {
-  const Reading reading = read(directoryOf(selection));
+  const Reading reading = readEnded(directoryOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(reading.runs, selection.period);
   if (runs.empty()) {
@@ -217,11 +226,11 @@ int check(const Selection& selection, const Limits& limits, EpochSeconds now) {
   return static_cast<int>(checked.verdict);
 }
 
-int exportRuns(const Selection& selection, const ExportRequest& request) {
+int exportRuns(const Selection& selection, const ExportRequest& request, EpochSeconds now) {
   if (request.format == "sqlite" && !request.output) {
     throw UsageError("a database goes to a file: say --output FILE");
   }
-  Reading reading = read(directoryOf(selection));
+  Reading reading = readEnded(directoryOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
   if (runs.empty()) {

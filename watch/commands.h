@@ -41,8 +41,8 @@ struct ExportRequest {
 // std::runtime_error where something can't be written.
 int list(const Selection& selection, EpochSeconds now);
 int show(const Selection& selection, const std::string& run, EpochSeconds now);
-int summary(const Selection& selection);
+int summary(const Selection& selection, EpochSeconds now);
 int check(const Selection& selection, const Limits& limits, EpochSeconds now);
-int exportRuns(const Selection& selection, const ExportRequest& request);
+int exportRuns(const Selection& selection, const ExportRequest& request, EpochSeconds now);
 
 }  // namespace watch

@@ -116,7 +116,7 @@ KnowsTheCommandsThatHelpAndManualKnow() {
   complete_words '' >commands.completion
   sed -nE '/^The commands are:/,/^\.El/s/^\.It Cm ([a-z]+).*/\1/p' "$prefix/share/man/man1/connWatch.1" |
     sort >commands.manual
-  "$prefix/bin/connWatch" --help | sed '1,/^Subcommands:/d' | awk 'NF { print $1 }' | sort >commands.help
+  "$prefix/bin/connWatch" --help | sed -n '/^Commands:/,/^$/p' | awk '/^ / { print $1 }' | sort >commands.help
   diff commands.help commands.completion || fail "help (<) is not completion (>)"
   diff commands.help commands.manual || fail "help (<) is not manual (>)"
 }

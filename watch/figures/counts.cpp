@@ -5,8 +5,8 @@ namespace watch {
 Counts countRuns(std::span<const Run> runs) {
   Counts counts;
   for (const Run& run : runs) {
-    if (run.orphan) {
-      ++counts.orphans;
+    if (run.orphan || run.ongoing) {
+      counts.orphans += run.orphan ? 1 : 0;
       continue;
     }
     ++(run.runClass == Class::ok        ? counts.ok

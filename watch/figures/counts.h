@@ -14,7 +14,8 @@ struct Counts {
   std::size_t failed = 0;
   /// Of these, those of which the files leave something open.
   std::size_t unsure = 0;
-  /// Outputs of pings for which no run can be named. They are in none of the others.
+  /// Outputs of pings for which no run can be named. They are in none of the others, and neither is
+  /// a run that is going on.
   std::size_t orphans = 0;
 
   std::size_t all() const { return ok + partial + failed; }

@@ -8,11 +8,6 @@ namespace {
 
 constexpr double kMega = 1e6;
 
-/// Only the lines of a ping can be another run's.
-bool isCertain(const Run& run) {
-  return run.unsure.empty();
-}
-
 std::optional<double> measured(bool isMeasured, double value) {
   return isMeasured && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
@@ -26,10 +21,9 @@ const Metric kWrite = {
     "write", "Mbit/s",
     [](const Run& run) { return measured(run.write.isMeasured(), run.write.bps / kMega); }, true};
 const Metric kLatency = {
-    "latency", "ms",
-    [](const Run& run) { return measured(isCertain(run) && run.ping.isMeasured(), run.ping.avg); },
+    "latency", "ms", [](const Run& run) { return measured(run.ping.isMeasured(), run.ping.avg); },
     false};
-const Metric kLoss = {
-    "loss", "%", [](const Run& run) { return measured(isCertain(run), run.ping.loss()); }, false};
+const Metric kLoss = {"loss", "%", [](const Run& run) { return measured(true, run.ping.loss()); },
+                      false};
 
 }  // namespace watch

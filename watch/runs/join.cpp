@@ -71,6 +71,8 @@ class RunMaker {
     takeTest(evidence_.forward.all, lines.forward, run, run.forward);
     takePing(i, run);
     run.unsure = doubtsOf(i, run);
+    run.pingUnsure = lines.pingsDoubtful || lines.resultDoubtful || !outputs_.of[i].doubt.empty();
+    run.ratesUnsure = lines.testsDoubtful || lines.resultDoubtful;
     run.runClass = classOf(run);
     return run;
   }

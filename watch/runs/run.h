@@ -102,6 +102,9 @@ struct Run {
   bool orphan = false;
   /// What else its lines could belong to, in words. Empty when nothing.
   std::string unsure;
+  /// Of which figures that may be.
+  bool pingUnsure = false;
+  bool ratesUnsure = false;
   Ping ping;
   Rate write;
   Rate read;

@@ -63,20 +63,20 @@ std::string why(const Run& run) {
   return text.empty() ? "" : " (" + text + ")";
 }
 
-/// Whether the run may have a figure of the metric, and the files do not tell.
+/// Whether the files leave open what the run has measured of the metric.
 bool isDoubtful(const Run& run, const Metric& metric) {
   if (&metric == &kLatency) {
-    return !run.unsure.empty() || run.ping.state == PingState::unknown;
+    return run.pingUnsure || run.ping.state == PingState::unknown;
   }
-  return (&metric == &kRead ? run.read : run.write).state == RateState::unknown;
+  return run.ratesUnsure || (&metric == &kRead ? run.read : run.write).state == RateState::unknown;
 }
 
-/// Whether only the doubt about its ping keeps the run from being ok.
+/// Whether it is a doubt about its ping alone that keeps the run from being ok.
 bool isPartialByDoubt(const Run& run) {
   const auto isGood = [](const Rate& rate) {
     return rate.state == RateState::full || rate.state == RateState::off;
   };
-  return run.finished && !run.unsure.empty() && isGood(run.write) && isGood(run.read);
+  return run.finished && run.pingUnsure && isGood(run.write) && isGood(run.read);
 }
 
 /// What is bad about a run, and what of it cannot be told. Empty where there is nothing.
@@ -90,12 +90,12 @@ Judgement judge(const Run& run, const std::vector<Limit>& limits) {
   std::vector<std::string> doubts;
   for (const Limit& limit : limits) {
     const auto value = limit.metric->of(run);
-    if (value && limit.isBroken(*value)) {
-      bad.push_back(figureText(*limit.metric, *value));
-    } else if (!value && isDoubtful(run, *limit.metric)) {
+    if (isDoubtful(run, *limit.metric)) {
       doubts.push_back(std::string(limit.metric->name) + " cannot be told");
     } else if (!value) {
       bad.push_back(std::string(limit.metric->name) + " not measured");
+    } else if (limit.isBroken(*value)) {
+      bad.push_back(figureText(*limit.metric, *value));
     }
   }
   if (limits.empty() && run.runClass == Class::failed) {
@@ -176,9 +176,9 @@ class Check {
 
   /// "at 07:02 (3 h ago)"
   std::string when() const {
-    return last().time
-               ? fmt::format("at {} ({})", momentText(*last().time, now_), ago(*last().time, now_))
-               : "at a time that is not known";
+    return last().time ? fmt::format("{} {} ({})", isRecent(*last().time, now_) ? "at" : "on",
+                                     momentText(*last().time, now_), ago(*last().time, now_))
+                       : "at a time that is not known";
   }
 
   /// The line of a verdict on the last run.
@@ -287,7 +287,7 @@ class Check {
                     const UsualThen& then) {
     constexpr double kPercent = 100;
     const double share = value ? kPercent * *value / *then.middle : 0;
-    if (!value && isDoubtful(last(), metric)) {
+    if (isDoubtful(last(), metric)) {
       low_.doubt = std::string(metric.name) + " cannot be told" + why(last());
     } else if (!value) {
       low_.bad = std::string(metric.name) + " not measured" + why(last());

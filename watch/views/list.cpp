@@ -57,7 +57,10 @@ std::string lossText(const Ping& ping) {
 }
 
 const char* label(const Run& run) {
-  return run.orphan ? "a ping" : run.finished ? name(run.runClass) : "unfinished";
+  return run.orphan     ? "a ping"
+         : run.ongoing  ? "going on"
+         : run.finished ? name(run.runClass)
+                        : "unfinished";
 }
 
 /// "~" for a time that is not certain, "?" where the files leave something open.
@@ -142,14 +145,14 @@ class TerminalList {
     const std::string loss = lossText(run.ping);
     std::string line = std::string(layout_.indent, ' ') +
                        left(places_[i] ? clockTime(*places_[i]) : "", 5) + left(marks(run), 3) +
-                       paint(style_, tone(run.runClass), label(run)) +
+                       paint(style_, run.ongoing ? Tone::dim : tone(run.runClass), label(run)) +
                        std::string(Layout::kLabel - std::strlen(label(run)), ' ') +
                        right(latencyText(run.ping), layout_.latency);
     if (layout_.loss > 0) {
       line += paint(style_, loss == "0" ? Tone::dim : Tone::plain, right(loss, layout_.loss));
     }
     line += rateColumn(run.write) + rateColumn(run.read);
-    text_ += withReason(std::move(line), reason(run)) + "\n";
+    text_ += withReason(std::move(line), run.ongoing ? "" : reason(run)) + "\n";
   }
 
   std::string rateColumn(const Rate& rate) const {
@@ -197,7 +200,7 @@ class TerminalList {
     if (const auto value = kRead.of(run)) {
       return paint(style_, Tone::accent, bar(style_, *value, most));
     }
-    const bool failed = run.runClass == Class::failed;
+    const bool failed = run.runClass == Class::failed && !run.ongoing;
     return paint(style_, failed ? Tone::bad : Tone::warning, failed ? "x" : noBar(style_));
   }
 
@@ -253,6 +256,9 @@ std::string pipeList(std::span<const Run> runs) {
   const std::vector<std::optional<EpochSeconds>> places = placesInTime(runs);
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const Run& run = runs[i];
+    if (run.ongoing) {
+      continue;
+    }
     text += fmt::format("{:<27} {:<8}{:>10} {:>6} {:>12} {:>12}\n",
                         (places[i] ? isoLocal(*places[i]) : "-") + marks(run), name(run.runClass),
                         latencyText(run.ping), lossText(run.ping), rateText(run.write),

@@ -10,7 +10,9 @@
 namespace watch {
 
 /// On a terminal: the days, the runs and the hours without one, then all in two lines. Else one
-/// line a run, in the same columns always, behind a heading; what was cut short has a "*".
+/// line a run, in the same columns always, behind a heading, without one that is going on; what was
+/// cut has a
+/// "*".
 std::string listView(std::span<const Run> runs, EpochSeconds now, const Style& style);
 
 }  // namespace watch

@@ -163,7 +163,10 @@ class RunView {
     } else {
       line(paint(style_, Tone::strong, "The time of this run is not known"));
     }
-    const std::string why = reason(run_);
+    const std::string why = run_.ongoing ? "" : reason(run_);
+    if (run_.ongoing) {
+      textFrom(0, Tone::dim, "This run may be going on; so far:");
+    }
     line(paint(style_, tone(run_.runClass), name(run_.runClass)) +
          (why.empty() ? "" : ": " + folded(why, width_, std::strlen(name(run_.runClass)) + 2)));
     if (run_.foldUnresolved) {
