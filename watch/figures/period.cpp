@@ -21,7 +21,7 @@ bool hadConnection(const Run& run) {
 
 std::optional<EpochSeconds> lastTime(std::span<const Run> runs) {
   const auto last = std::ranges::find_if(runs.rbegin(), runs.rend(),
-                                         [](const Run& run) { return run.time.has_value(); });
+                                         [](const Run& run) { return run.time && !run.ongoing; });
   return last == runs.rend() ? std::nullopt : last->time;
 }
 

@@ -28,7 +28,7 @@ std::vector<std::optional<EpochSeconds>> placesInTime(std::span<const Run> runs)
 /// Returns the runs in the period. A run without a time is where the rhythm would have it.
 std::vector<Run> runsIn(std::vector<Run> runs, const Period& period);
 
-/// Returns the time of the last run that has one.
+/// Returns the time of the last run that has one and has ended.
 std::optional<EpochSeconds> lastTime(std::span<const Run> runs);
 
 /// Returns how often the runs came: the median of the times between them.

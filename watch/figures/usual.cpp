@@ -10,7 +10,8 @@ namespace watch {
 
 namespace {
 
-constexpr double kOneInTwenty = 0.05;
+constexpr std::size_t kTwenty = 20;
+constexpr double kOneInTwenty = 1.0 / kTwenty;
 constexpr std::size_t kFewest = 3;
 
 std::int64_t localDay(EpochSeconds moment) {
@@ -32,7 +33,9 @@ Usual usual(std::span<const Run> runs, const Metric& metric) {
     }
   }
   const std::size_t count = values.size();
-  const auto worse = quantile(values, metric.moreIsBetter ? kOneInTwenty : 1 - kOneInTwenty);
+  const auto worse = count < kTwenty
+                         ? std::nullopt
+                         : quantile(values, metric.moreIsBetter ? kOneInTwenty : 1 - kOneInTwenty);
   return {median(std::move(values)), worse, count};
 }
 

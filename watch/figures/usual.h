@@ -15,7 +15,8 @@ namespace watch {
 inline constexpr EpochSeconds kUsualPeriod = 28 * kDaySeconds;
 
 struct Usual {
-  /// The middle value, and the one that one in twenty is worse than. Nothing without a value.
+  /// The middle value, and the one that one in twenty is worse than. Nothing without a value, and
+  /// without twenty.
   std::optional<double> middle;
   std::optional<double> oneInTwenty;
   std::size_t count = 0;

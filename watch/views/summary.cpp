@@ -162,7 +162,7 @@ class Summary {
   void addOutages() {
     const std::vector<Outage> found = outages(runs_);
     if (found.empty()) {
-      addText("No outage");
+      addText(counts_.failed == 0 ? "No outage" : "No outage can be told");
       return;
     }
     EpochSeconds all = 0;

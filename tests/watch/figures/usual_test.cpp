@@ -19,14 +19,6 @@ watch::Run reading(EpochSeconds time, double megabits) {
   return run;
 }
 
-std::vector<watch::Run> reading(std::initializer_list<double> rates) {
-  std::vector<watch::Run> runs;
-  for (const double rate : rates) {
-    runs.push_back(reading(kNow, rate));
-  }
-  return runs;
-}
-
 TEST(Usual, OfNothingIsNothing) {
   const Usual none = usual({}, kRead);
 
@@ -36,19 +28,28 @@ TEST(Usual, OfNothingIsNothing) {
 }
 
 TEST(Usual, IsTheMiddleAndWhatOneInTwentyIsWorseThan) {
-  const Usual rate = usual(reading({0, 100, 200, 300, 400}), kRead);
+  std::vector<watch::Run> runs;
+  for (int i = 0; i <= 20; ++i) {
+    runs.push_back(reading(kNow, 10 * i));
+    runs.back().ping.avg = i;
+  }
 
-  EXPECT_EQ(rate.middle, 200);
-  EXPECT_EQ(rate.oneInTwenty, 20);
-  EXPECT_EQ(rate.count, 5U);
+  const Usual rate = usual(runs, kRead);
+  const Usual latency = usual(runs, kLatency);
 
-  std::vector<watch::Run> slow = {okRun(1), okRun(2)};
-  slow.back().ping.avg = 23;
+  EXPECT_EQ(rate.middle, 100);
+  EXPECT_EQ(rate.oneInTwenty, 10);
+  EXPECT_EQ(rate.count, 21U);
+  EXPECT_EQ(latency.middle, 10);
+  EXPECT_EQ(latency.oneInTwenty, 19);
+}
 
-  const Usual latency = usual(slow, kLatency);
+TEST(Usual, TellsNoOneInTwentyOfFewer) {
+  std::vector<watch::Run> runs(19, okRun(kNow));
+  EXPECT_EQ(usual(runs, kRead).oneInTwenty, std::nullopt);
 
-  EXPECT_EQ(latency.middle, 18);
-  EXPECT_EQ(latency.oneInTwenty, 22.5);
+  runs.push_back(okRun(kNow));
+  EXPECT_EQ(usual(runs, kLatency).oneInTwenty, 13);
 }
 
 TEST(Usual, LeavesOutWhatIsNoFigureOfTheLine) {
