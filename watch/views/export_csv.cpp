@@ -20,7 +20,8 @@ class CsvSink : public FlatSink {
 
  private:
   void add(std::string_view value) {
-    line_ += line_.empty() ? "" : ",";
+    line_ += isFirst_ ? "" : ",";
+    isFirst_ = false;
     if (value.find_first_of(",\"\n\r") == std::string_view::npos) {
       line_ += value;
       return;
@@ -33,6 +34,7 @@ class CsvSink : public FlatSink {
   }
 
   std::string& line_;
+  bool isFirst_ = true;
 };
 
 }  // namespace
