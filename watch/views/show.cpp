@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -126,8 +125,10 @@ class RunView {
   std::string text() {
     addHeading();
     addPing();
-    addRate("write", run_.write);
-    addRate("read", run_.read);
+    if (!run_.orphan) {
+      addRate("write", run_.write);
+      addRate("read", run_.read);
+    }
     addUsual();
     addDoubts();
     addSources();
@@ -163,12 +164,11 @@ class RunView {
     } else {
       line(paint(style_, Tone::strong, "The time of this run is not known"));
     }
-    const std::string why = run_.ongoing ? "" : reason(run_);
     if (run_.ongoing) {
-      textFrom(0, Tone::dim, "This run may be going on; so far:");
+      line(paint(style_, Tone::dim, "going on; up to now:"));
+    } else {
+      addClass();
     }
-    line(paint(style_, tone(run_.runClass), name(run_.runClass)) +
-         (why.empty() ? "" : ": " + folded(why, width_, std::strlen(name(run_.runClass)) + 2)));
     if (run_.foldUnresolved) {
       textFrom(0, Tone::warning,
                "This hour of the clock came twice; which one it was cannot be told.");
@@ -177,6 +177,13 @@ class RunView {
       textFrom(0, Tone::plain, fmt::format("{} -> {}{}", run_.client, run_.server, tests()));
     }
     line("");
+  }
+
+  void addClass() {
+    const std::string why = reason(run_);
+    const std::string className = name(run_.runClass);
+    line(paint(style_, tone(run_.runClass), className) +
+         (why.empty() ? "" : ": " + folded(why, width_, className.size() + 2)));
   }
 
   std::string tests() const {
@@ -208,7 +215,8 @@ class RunView {
   /// characters.
   std::string replies(std::size_t before) const {
     constexpr std::size_t kBlanks = 3;
-    if (run_.outputs.empty()) {
+    // Digits would look like one more figure.
+    if (run_.outputs.empty() || !style_.hasBars) {
       return "";
     }
     const std::vector<double> times = repliesOf(run_.outputs.back(), context_);
@@ -230,7 +238,8 @@ class RunView {
     const Tone tone = rate.isMeasured() ? Tone::strong : Tone::warning;
     field(test, isFigure ? paint(style_, tone, megabits(*bps / kMega)) + " Mbit/s" : "-",
           amount(rate));
-    const std::string means = meaning(rate.state);
+    const bool isToCome = run_.ongoing && rate.state == RateState::off;
+    const std::string means = isToCome ? "not yet" : meaning(rate.state);
     if (rate.reason.empty()) {
       addMeaning(means);
     } else {
