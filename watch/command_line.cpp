@@ -208,16 +208,16 @@ int run(const CLI::App& app, const Arguments& arguments) {
 }
 
 /// Says what went wrong. A plugin that can't do what it was asked for is "unknown", and says so
-/// where its verdicts stand.
-int fail(const CLI::App& app, const std::string& what, int status) {
-  fmt::print(stderr, "connWatch: {}\n", what);
-  if (!app.got_subcommand("check")) {
-    return status;
+/// where its verdicts stand, if it can write there.
+int fail(const CLI::App& app, std::string what, int status) {
+  const bool isPlugin = app.got_subcommand("check");
+  if (isPlugin && status == kUsageStatus) {
+    std::ranges::replace(what, '|', '/');
+    print("UNKNOWN: " + what + "\n");
+  } else {
+    fmt::print(stderr, "connWatch: {}\n", what);
   }
-  if (status == kUsageStatus) {
-    print("UNKNOWN: connWatch check can't do what it was asked for\n");
-  }
-  return static_cast<int>(Verdict::unknown);
+  return isPlugin ? static_cast<int>(Verdict::unknown) : status;
 }
 
 std::string nameOfCommand(const CLI::App& app) {

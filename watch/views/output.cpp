@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -34,8 +35,7 @@ void Output::begin() {
   if (const auto target = std::filesystem::canonical(*path_, none); !none) {
     path_ = target;
     if (!std::filesystem::is_regular_file(*path_)) {
-      throw std::system_error(std::make_error_code(std::errc::invalid_argument),
-                              path_->string() + " is no file that can be replaced");
+      throw std::runtime_error(path_->string() + " is no file that can be replaced");
     }
   }
   std::string pattern = path_->string() + ".XXXXXX";

@@ -10,7 +10,7 @@
 namespace watch {
 
 /// Collects what is written. A file is there only when finish() has returned. Throws
-/// std::system_error with the name of what can't be written.
+/// std::runtime_error with the name of what can't be written.
 class Output {
  public:
   /// Without a path, standard output. A link is followed; what is no regular file is refused.

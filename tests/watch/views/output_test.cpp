@@ -6,8 +6,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <sys/stat.h>
-#include <system_error>
 
 namespace watch {
 namespace {
@@ -91,15 +91,14 @@ std::string errorOf(const std::filesystem::path& path) {
   try {
     const Output output(path);
     return "none";
-  } catch (const std::system_error& error) {
+  } catch (const std::runtime_error& error) {
     return error.what();
   }
 }
 
 TEST_F(OutputFile, IsNoFolderAndNoDevice) {
-  EXPECT_EQ(errorOf(folder),
-            folder.string() + " is no file that can be replaced: Invalid argument");
-  EXPECT_EQ(errorOf("/dev/null"), "/dev/null is no file that can be replaced: Invalid argument");
+  EXPECT_EQ(errorOf(folder), folder.string() + " is no file that can be replaced");
+  EXPECT_EQ(errorOf("/dev/null"), "/dev/null is no file that can be replaced");
 }
 
 TEST_F(OutputFile, NeedsItsFolder) {
