@@ -260,9 +260,9 @@ std::string pipeList(std::span<const Run> runs) {
       continue;
     }
     text += fmt::format("{:<27} {:<8}{:>10} {:>6} {:>12} {:>12}\n",
-                        (places[i] ? isoLocal(*places[i]) : "-") + marks(run), name(run.runClass),
-                        latencyText(run.ping), lossText(run.ping), rateText(run.write),
-                        rateText(run.read));
+                        (places[i] ? isoLocal(*places[i]) : "-") + marks(run),
+                        run.orphan ? "orphan" : name(run.runClass), latencyText(run.ping),
+                        lossText(run.ping), rateText(run.write), rateText(run.read));
   }
   return text;
 }

@@ -162,7 +162,8 @@ class Summary {
   void addOutages() {
     const std::vector<Outage> found = outages(runs_);
     if (found.empty()) {
-      addText(counts_.failed == 0 ? "No outage" : "No outage can be told");
+      const bool isCertain = counts_.all() > 0 && counts_.failed == 0;
+      addText(isCertain ? "No outage" : "No outage can be told");
       return;
     }
     EpochSeconds all = 0;

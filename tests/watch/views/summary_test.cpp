@@ -199,6 +199,23 @@ No outage can be told
 )");
 }
 
+TEST_F(Summary, DoesNotDenyAnOutageWithoutARun) {
+  const watch::Run run = orphan();
+
+  EXPECT_EQ(summaryView({&run, 1}, style), R"(Runs of which no time is known   0 runs, 0 missing
+
+           usual  1 in 20
+read           -        -  Mbit/s
+write          -        -  Mbit/s
+latency        -        -  ms
+loss        30.0        -  %
+
+ok 0   partial 0   failed 0   missing 0
+1 ping of no known run
+No outage can be told
+)");
+}
+
 TEST_F(Summary, TellsRunsTenThousandYearsApart) {
   const watch::Run runs[] = {okRun(-60'000'000'000), okRun(0), okRun(250'000'000'000)};
 
