@@ -209,15 +209,15 @@ int run(const CLI::App& app, const Arguments& arguments) {
 
 /// Says what went wrong. A plugin that can't do what it was asked for is "unknown", and says so
 /// where its verdicts stand, if it can write there.
-int fail(const CLI::App& app, std::string what, int status) {
+int refuse(const CLI::App& app, std::string what, bool canWrite) {
   const bool isPlugin = app.got_subcommand("check");
-  if (isPlugin && status == kUsageStatus) {
+  if (isPlugin && canWrite) {
     std::ranges::replace(what, '|', '/');
     print("UNKNOWN: " + what + "\n");
   } else {
     fmt::print(stderr, "connWatch: {}\n", what);
   }
-  return isPlugin ? static_cast<int>(Verdict::unknown) : status;
+  return isPlugin ? static_cast<int>(Verdict::unknown) : kRefused;
 }
 
 std::string nameOfCommand(const CLI::App& app) {
@@ -236,11 +236,10 @@ int parseAndRun(CLI::App& app, const Arguments& arguments, int argc, char** argv
     print(app.help());
     return kDone;
   } catch (const CLI::ParseError& error) {
-    return fail(app,
-                fmt::format("{}\n  See:  connWatch {}--help", error.what(), nameOfCommand(app)),
-                kUsageStatus);
+    return refuse(
+        app, fmt::format("{}\n  See:  connWatch {}--help", error.what(), nameOfCommand(app)), true);
   } catch (const UsageError& error) {
-    return fail(app, error.what(), kUsageStatus);
+    return refuse(app, error.what(), true);
   }
 }
 
@@ -265,7 +264,7 @@ int runCommandLine(int argc, char** argv) {
   try {
     return parseAndRun(app, arguments, argc, argv);
   } catch (const std::exception& error) {
-    return fail(app, error.what(), kFailed);
+    return refuse(app, error.what(), false);
   }
 }
 

@@ -14,8 +14,8 @@ namespace watch {
 
 /// The statuses of the commands but `check`, which has a plugin's.
 inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kUsageStatus = 2;
+/// The command line is wrong, or something can't be written.
+inline constexpr int kRefused = 2;
 inline constexpr int kNothingToRead = 3;
 
 /// What is asked for can't be done with this command line. The words say what to do.

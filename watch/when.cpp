@@ -165,7 +165,8 @@ void findYear(Calendar& day, const Calendar& today) {
 
 /// Reads a date, a time of today, or both.
 std::optional<Reading> readDate(std::string_view text, const Calendar& today) {
-  std::vector<std::string_view> parts = split(text, text.find(' ') == text.npos ? 'T' : ' ');
+  std::vector<std::string_view> parts =
+      split(text, text.find(' ') == std::string_view::npos ? 'T' : ' ');
   Reading reading;
   reading.calendar = {today.year, today.month, today.day, 0, 0, 0, 0};
   const bool isIso = readIsoDate(parts.front(), reading.calendar);

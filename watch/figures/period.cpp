@@ -81,14 +81,12 @@ std::vector<Gap> gaps(std::span<const Run> runs) {
     if (!runs[i].time) {
       continue;
     }
-    if (before) {
-      const std::size_t between = i - *before - 1;
-      const std::size_t missed = rhythm.missedBetween(*runs[*before].time, *runs[i].time);
-      if (missed > between) {
-        found.push_back(
-            {i, missed - between,
-             *runs[*before].time + static_cast<EpochSeconds>(between + 1) * rhythm.seconds});
-      }
+    const std::size_t between = before ? i - *before - 1 : 0;
+    const EpochSeconds one = *runs[before.value_or(i)].time;
+    const std::size_t missed = rhythm.missedBetween(one, *runs[i].time);
+    if (missed > between) {
+      const auto steps = static_cast<EpochSeconds>(between + 1);
+      found.push_back({i, missed - between, one + steps * rhythm.seconds});
     }
     before = i;
   }

@@ -136,7 +136,7 @@ StandardOutput.IsFull() {
   for command in list show summary check 'export csv' 'export jsonl' --help --version; do
     # shellcheck disable=SC2086 # the format is a word of its own
     run into_full_device conn_watch $command
-    [[ $status == "$([[ $command == check ]] && echo 3 || echo 1)" ]] ||
+    [[ $status == "$([[ $command == check ]] && echo 3 || echo 2)" ]] ||
       fail "$command: the exit status is $status"
     expect_file /tmp/fake/errors <<<'connWatch: standard output: No space left on device'
   done
@@ -148,7 +148,7 @@ StandardOutput.IsClosed() {
   for command in list show summary 'export csv' --help; do
     # shellcheck disable=SC2086 # the format is a word of its own
     run without_output conn_watch $command
-    [[ $status == 1 ]] || fail "$command: the exit status is $status"
+    [[ $status == 2 ]] || fail "$command: the exit status is $status"
     expect_file /tmp/fake/errors <<<'connWatch: standard output: Bad file descriptor'
   done
 }
