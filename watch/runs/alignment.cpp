@@ -11,8 +11,8 @@ namespace {
 /// By how much a way may cost more than the best one so far, to be followed all the same. Without
 /// a margin the best way is found when it costs the least that it can.
 constexpr int kMargins[] = {0, 30, 100};
-/// No more places are weighed than this. What was found with a smaller margin holds then. Where that
-/// is nothing, only the best few places of each layer are, and all is doubtful.
+/// No more places are weighed than this. What was found with a smaller margin holds then. Where
+/// that is nothing, only the best few places of each layer are, and all is doubtful.
 constexpr std::size_t kMostPlaces = 500'000;
 constexpr std::size_t kFewPlaces = 4;
 
@@ -37,12 +37,13 @@ template <std::size_t Count>
 std::optional<Places<Count>> before(Members members, Places<Count> places,
                                     const Places<Count>& start) {
   for (std::size_t n = 0; n < Count; ++n) {
-    if (has(members, n)) {
-      if (places[n] == start[n]) {
-        return std::nullopt;
-      }
-      --places[n];
+    if (!has(members, n)) {
+      continue;
     }
+    if (places[n] == start[n]) {
+      return std::nullopt;
+    }
+    --places[n];
   }
   return places;
 }
@@ -115,8 +116,8 @@ class Stretch {
 
   std::size_t layerCount() const { return sum(end_) - sum(start_) + 1; }
 
-  /// Finds what it costs to come to each place, up to the end. Without a limit for each layer, returns
-  /// nothing if these are too many.
+  /// Finds what it costs to come to each place, up to the end. Without a limit for each layer,
+  /// returns nothing if these are too many.
   std::optional<Weighed> weigh(int margin, std::optional<std::size_t> mostOfLayer = {}) const {
     Weighed weighed;
     Frontier frontier;
@@ -144,8 +145,10 @@ class Stretch {
     std::ranges::sort(found, [](const Node& one, const Node& other) {
       return std::pair(one.places, one.cost) < std::pair(other.places, other.cost);
     });
-    const auto same = std::ranges::unique(found, {}, &Node::places);
-    found.erase(same.begin(), same.end());
+    const auto isSamePlace = [](const Node& one, const Node& other) {
+      return one.places == other.places;
+    };
+    found.erase(std::unique(found.begin(), found.end(), isSamePlace), found.end());
     if (most && found.size() > *most) {
       std::ranges::stable_sort(found, {}, &Node::least);
       found.resize(*most);
@@ -199,16 +202,21 @@ class Stretch {
     std::vector<Node>& nodes = weighed_.nodes;
     nodes.back().isOnBestWay = true;
     Places<Count> here = end_;
+    const auto goBack = [&](Members members, const Node& node) {
+      Node* const from = cameFrom(members, node);
+      if (from == nullptr) {
+        return;
+      }
+      from->isOnBestWay = true;
+      all.push_back(rowAt(members, from->places));
+      if (here == node.places) {
+        taken.push_back(all.back());
+        here = from->places;
+      }
+    };
     for (std::size_t i = nodes.size(); i-- > 0;) {
       for (Members members = kAll<Count>; members > 0 && nodes[i].isOnBestWay; --members) {
-        if (Node* const from = cameFrom(members, nodes[i])) {
-          from->isOnBestWay = true;
-          all.push_back(rowAt(members, from->places));
-          if (here == nodes[i].places) {
-            taken.push_back(all.back());
-            here = from->places;
-          }
-        }
+        goBack(members, nodes[i]);
       }
     }
     std::ranges::reverse(taken);
@@ -228,22 +236,26 @@ class Stretch {
 
   /// A row is doubtful in what another one of the best ways does with one of its elements.
   void markDoubts(const std::vector<Row<Count>>& all, std::vector<Row<Count>>& taken) const {
-    std::array<std::vector<std::size_t>, Count> rowOf;
     for (std::size_t n = 0; n < Count; ++n) {
-      rowOf[n].resize(end_[n] - start_[n]);
-      for (std::size_t i = 0; i < taken.size(); ++i) {
-        if (taken[i].places[n] != kAlone) {
-          rowOf[n][taken[i].places[n] - start_[n]] = i;
-        }
-      }
-    }
-    for (const Row<Count>& other : all) {
-      for (std::size_t n = 0; n < Count; ++n) {
+      const std::vector<std::size_t> rowOf = rowsOfElements(n, taken);
+      for (const Row<Count>& other : all) {
         if (other.places[n] != kAlone) {
-          markDifferences(other, taken[rowOf[n][other.places[n] - start_[n]]]);
+          markDifferences(other, taken[rowOf[other.places[n] - start_[n]]]);
         }
       }
     }
+  }
+
+  /// Which of the rows has each element of the sequence `n`.
+  std::vector<std::size_t> rowsOfElements(std::size_t n,
+                                          const std::vector<Row<Count>>& rows) const {
+    std::vector<std::size_t> rowOf(end_[n] - start_[n]);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (rows[i].places[n] != kAlone) {
+        rowOf[rows[i].places[n] - start_[n]] = i;
+      }
+    }
+    return rowOf;
   }
 
   static void markDifferences(const Row<Count>& other, Row<Count>& row) {

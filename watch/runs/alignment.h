@@ -22,8 +22,8 @@ using Members = unsigned;
 template <std::size_t Count>
 using Places = std::array<std::size_t, Count>;
 
-/// A row beyond doubt. Elements before its places are of rows before it, also of sequences of which it
-/// takes none.
+/// A row beyond doubt. Elements before its places are of rows before it, also of sequences of which
+/// it takes none.
 template <std::size_t Count>
 struct SureRow {
   Members members = 0;
@@ -53,8 +53,8 @@ struct Row {
   Members doubtful = 0;
 };
 
-/// Returns the rows, in which each element is once and in its order. Takes time in proportion to the
-/// lengths as long as few ways cost about the same.
+/// Returns the rows, in which each element is once and in its order. Takes time in proportion to
+/// the lengths as long as few ways cost about the same.
 template <std::size_t Count>
 std::vector<Row<Count>> align(const Costs<Count>& costs);
 
@@ -75,12 +75,13 @@ std::optional<std::size_t> findOnly(std::size_t expected, std::size_t from, std:
   std::optional<std::size_t> found;
   for (std::size_t i = expected > from + reach ? expected - reach : from;
        i < end && i <= expected + reach; ++i) {
-    if (isSought(i)) {
-      if (found) {
-        return std::nullopt;
-      }
-      found = i;
+    if (!isSought(i)) {
+      continue;
     }
+    if (found) {
+      return std::nullopt;
+    }
+    found = i;
   }
   return found;
 }

@@ -168,7 +168,7 @@ class RunMaker {
 /// Marks the runs that have written last and that may still go on. Longer than these minutes takes
 /// only a run whose settings ask for it, or one that hangs; the usual ones take less than four.
 void markOngoing(std::vector<Run>& runs, EpochSeconds now) {
-  constexpr EpochSeconds kLongestRun = 10 * 60;
+  constexpr EpochSeconds kLongestRun = 600;
   for (auto run = runs.rbegin(); run != runs.rend() && !run->finished; ++run) {
     run->ongoing = run->time && *run->time <= now && now < *run->time + kLongestRun;
   }

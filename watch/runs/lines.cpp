@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <utility>
 
 namespace watch {
@@ -51,8 +52,8 @@ struct Span {
   LocalTime last;
 };
 
-/// A line without a start has a time when its run moved it to the archive: the stamp is the start of
-/// that run, or a moment in it.
+/// A line without a start has a time when its run moved it to the archive: the stamp is the start
+/// of that run, or a moment in it.
 std::vector<std::optional<Span>> spansOf(const Lines<Iperf3Line>& lines) {
   constexpr std::int64_t kLongestRun = 300;
   std::vector<std::optional<Span>> spans(lines.all.size());
@@ -113,12 +114,13 @@ class ByTime {
     std::optional<std::size_t> found;
     for (auto line = std::ranges::lower_bound(lines_, std::pair(first, std::size_t{0}));
          line != lines_.end() && line->first <= last; ++line) {
-      if (line->second >= from && isSought(line->second)) {
-        if (found) {
-          return std::nullopt;
-        }
-        found = line->second;
+      if (line->second < from || !isSought(line->second)) {
+        continue;
       }
+      if (found) {
+        return std::nullopt;
+      }
+      found = line->second;
     }
     return found;
   }
@@ -193,11 +195,12 @@ class LineJoiner {
     return run;
   }
 
-  /// Nothing but the time tells where a run was that has left only a ping line, beside runs that have
-  /// left none.
+  /// Nothing but the time tells where a run was that has left only a ping line, beside runs that
+  /// have left none.
   void placeByTime(std::vector<RunLines>& runs) const {
     for (std::size_t i = 1; i < runs.size(); ++i) {
-      for (std::size_t place = i; place > 0 && isWrongOrder(runs[place - 1], runs[place]); --place) {
+      for (std::size_t place = i; place > 0 && isWrongOrder(runs[place - 1], runs[place]);
+           --place) {
         std::swap(runs[place - 1], runs[place]);
       }
     }
@@ -226,22 +229,27 @@ class LineJoiner {
     const std::optional<std::size_t> ping = placeOf(kPing, members, at);
     const std::optional<std::size_t> forward = placeOf(kForward, members, at);
     const std::optional<std::size_t> reverse = placeOf(kReverse, members, at);
-    int cost = 0;
-    const auto add = [&](int more) {
-      cost = cost == kImpossible || more == kImpossible ? kImpossible : cost + more;
-    };
+    const int both = forward && reverse ? bothDirections(*forward, *reverse) : 0;
     if (const auto result = placeOf(kResult, members, at)) {
       const bool hadTests = forward || reverse;
-      add(pingOfResult(ping, *result));
-      add(rateOfResult(forward_, forward, results_[*result].write, *result, hadTests));
-      add(rateOfResult(reverse_, reverse, results_[*result].read, *result, hadTests));
-      add(forward ? dateOfTest(ping, *forward, *result) : 0);
-    } else {
-      add(kRunEndedBefore + (reverse && !forward ? kLineLost : 0));
-      add(ping && forward ? pingOfTest(*ping, *forward) : 0);
+      return sum({both, pingOfResult(ping, *result),
+                  rateOfResult(forward_, forward, results_[*result].write, *result, hadTests),
+                  rateOfResult(reverse_, reverse, results_[*result].read, *result, hadTests),
+                  forward ? dateOfTest(ping, *forward, *result) : 0});
     }
-    add(forward && reverse ? bothDirections(*forward, *reverse) : 0);
-    return cost;
+    return sum({both, kRunEndedBefore, reverse && !forward ? kLineLost : 0,
+                ping && forward ? pingOfTest(*ping, *forward) : 0});
+  }
+
+  static int sum(std::initializer_list<int> costs) {
+    int all = 0;
+    for (const int cost : costs) {
+      if (cost == kImpossible) {
+        return kImpossible;
+      }
+      all += cost;
+    }
+    return all;
   }
 
   static std::optional<std::size_t> placeOf(Sequence sequence, Members members,
@@ -352,8 +360,8 @@ class LineJoiner {
     return kRunEndedBefore * ended + kLineLost * lost;
   }
 
-  // Runs beyond doubt: both tests have a rate, all times and figures agree, and no line near does as
-  // well.
+  // Runs beyond doubt: both tests have a rate, all times and figures agree, and no line near does
+  // as well.
 
   using SureRun = SureRow<kSequences>;
 
@@ -385,7 +393,7 @@ class LineJoiner {
     }
     const auto forward = sureForward(result, from);
     const auto reverse = forward ? sureReverse(result, *forward, from) : std::nullopt;
-    const auto ping = !reverse      ? std::nullopt
+    const auto ping = !reverse    ? std::nullopt
                       : line.date ? surePing(result, from)
                                   : firstPingBehind(*forward, from[kPing]);
     return ping ? std::optional(SureRun{line.date ? kAllSequences : kAllSequences & ~member(kPing),
@@ -393,8 +401,8 @@ class LineJoiner {
                 : std::nullopt;
   }
 
-  /// By the date, or near the place where it is expected. A whole unit is no rare figure: there it has
-  /// to be nearer.
+  /// By the date, or near the place where it is expected. A whole unit is no rare figure: there it
+  /// has to be nearer.
   std::optional<std::size_t> sureForward(std::size_t result, const LinePlaces& from) const {
     constexpr std::size_t kReach = 16;
     constexpr std::size_t kShortReach = 4;
@@ -415,18 +423,16 @@ class LineJoiner {
                                          const LinePlaces& from) const {
     const ResultLine& line = results_[result];
     const EpochSeconds start = *forward_[forward].start;
-    return reverseByTime_.findOnly(
-        start, start + kLongestTest, from[kReverse], [&](std::size_t i) {
-          return followsSoon(forward_[forward], reverse_[i]) &&
-                 showsRate(line.read, line.unitBps, reverse_[i]);
-        });
+    return reverseByTime_.findOnly(start, start + kLongestTest, from[kReverse], [&](std::size_t i) {
+      return followsSoon(forward_[forward], reverse_[i]) &&
+             showsRate(line.read, line.unitBps, reverse_[i]);
+    });
   }
 
   std::optional<std::size_t> surePing(std::size_t result, const LinePlaces& from) const {
     const std::int64_t date = results_[result].date->seconds;
-    return pingsByTime_.findOnly(date - kLongestPing, date, from[kPing], [&](std::size_t i) {
-      return hasLatency(result, groups_[i]);
-    });
+    return pingsByTime_.findOnly(date - kLongestPing, date, from[kPing],
+                                 [&](std::size_t i) { return hasLatency(result, groups_[i]); });
   }
 
   /// Returns the first ping that began behind a test without one.

@@ -98,46 +98,48 @@ class OutputJoiner {
 
   /// Lays the outputs that the tester has read beside its lines.
   std::vector<Row<2>> alignOutputs() const {
-    const std::vector<PingLine>& lines = evidence_.pings.all;
-    const auto output = [&](std::size_t i) -> const PingOutput& {
-      return evidence_.outputs[read_[i]];
-    };
-    return align(Costs<2>{
-        {lines.size(), read_.size()},
-        [&](Members members, const Places<2>& at) {
-          if (members != kBoth) {
-            return kLineLost;
-          }
-          // A summary that is not four numbers is recorded as zeros, or as the one before it.
-          return !output(at[1]).summaryIsWhole || hasNumbersOf(lines[at[0]], output(at[1]))
-                     ? 0
-                     : kImpossible;
-        },
-        [](const Places<2>& from, const Places<2>& end) {
-          const auto lefts = static_cast<int>(end[0] - from[0]);
-          const auto rights = static_cast<int>(end[1] - from[1]);
-          return kLineLost * std::abs(lefts - rights);
-        },
-        [&](const Places<2>& from) -> std::optional<SureRow<2>> {
-          for (std::size_t line = from[0]; line < lines.size(); ++line) {
-            const auto found = findOnly(
-                from[1] + (line - from[0]), from[1], read_.size(), kReach, [&](std::size_t i) {
-                  return !isZeros(lines[line]) && hasNumbersOf(lines[line], output(i));
-                });
-            if (found) {
-              return SureRow<2>{kBoth, {line, *found}};
-            }
-          }
-          return std::nullopt;
-        }});
+    return align(Costs<2>{{evidence_.pings.all.size(), read_.size()},
+                          [&](Members members, const Places<2>& at) {
+                            return members == kBoth ? costOfPair(at) : kLineLost;
+                          },
+                          [](const Places<2>& from, const Places<2>& end) {
+                            const auto lefts = static_cast<int>(end[0] - from[0]);
+                            const auto rights = static_cast<int>(end[1] - from[1]);
+                            return kLineLost * std::abs(lefts - rights);
+                          },
+                          [&](const Places<2>& from) { return nextSurePair(from); }});
+  }
+
+  // Of a line and an output that was read.
+
+  const PingLine& lineAt(std::size_t i) const { return evidence_.pings.all[i]; }
+  const PingOutput& readAt(std::size_t i) const { return evidence_.outputs[read_[i]]; }
+
+  /// A summary that is not four numbers is recorded as zeros, or as the one before it.
+  int costOfPair(const Places<2>& at) const {
+    return !readAt(at[1]).summaryIsWhole || hasNumbersOf(lineAt(at[0]), readAt(at[1]))
+               ? 0
+               : kImpossible;
+  }
+
+  std::optional<SureRow<2>> nextSurePair(const Places<2>& from) const {
+    for (std::size_t line = from[0]; line < evidence_.pings.all.size(); ++line) {
+      const auto isIts = [&](std::size_t i) {
+        return !isZeros(lineAt(line)) && hasNumbersOf(lineAt(line), readAt(i));
+      };
+      if (const auto found =
+              findOnly(from[1] + (line - from[0]), from[1], read_.size(), kReach, isIts)) {
+        return SureRow<2>{kBoth, {line, *found}};
+      }
+    }
+    return std::nullopt;
   }
 
   /// Whether a run is known to be before or after each run that has left no ping line. One that has
   /// left nothing else is so by the times alone.
   bool hasFirmPlace(std::size_t run) const {
-    return !runs_[run].isPingAlone() ||
-           ((run == 0 || isFirmNeighbour(run - 1)) &&
-            (run + 1 == runs_.size() || isFirmNeighbour(run + 1)));
+    return !runs_[run].isPingAlone() || ((run == 0 || isFirmNeighbour(run - 1)) &&
+                                         (run + 1 == runs_.size() || isFirmNeighbour(run + 1)));
   }
   bool isFirmNeighbour(std::size_t run) const {
     return times_[run].start.has_value() && !runs_[run].isPingAlone();
@@ -171,8 +173,7 @@ class OutputJoiner {
   }
 
   void joinAll(const Gap& gap) {
-    const bool isSure = gap.isLong() || (!hasRoom(gap.run, gap.runEnd) &&
-                                         isOrdered(gap.silent));
+    const bool isSure = gap.isLong() || (!hasRoom(gap.run, gap.runEnd) && isOrdered(gap.silent));
     for (std::size_t i = 0; i < gap.silent.size(); ++i) {
       RunOutputs& run = joined_.of[gap.silent[i]];
       run.outputs.push_back(gap.outputs[i]);
@@ -185,10 +186,9 @@ class OutputJoiner {
     for (std::size_t i = 1; i < silent.size(); ++i) {
       const RunLines& one = runs_[silent[i - 1]];
       const RunLines& next = runs_[silent[i]];
-      const bool isTold =
-          (one.result != kAlone && next.result != kAlone) ||
-          (one.forward != kAlone && next.forward != kAlone) ||
-          (times_[silent[i - 1]].start && times_[silent[i]].start);
+      const bool isTold = (one.result != kAlone && next.result != kAlone) ||
+                          (one.forward != kAlone && next.forward != kAlone) ||
+                          (times_[silent[i - 1]].start && times_[silent[i]].start);
       if (!isTold) {
         return false;
       }
@@ -211,24 +211,33 @@ class OutputJoiner {
 
   /// Gives the runs of `rows` their outputs, where these are not doubtful.
   void deal(const Gap& gap, const std::vector<Row<2>>& rows) {
-    std::size_t next = 0;  // of the silent runs
+    std::size_t next = 0;
     for (auto row = rows.begin(); row != rows.end();) {
       const auto end = std::find_if(row, rows.end(), [&](const Row<2>& other) {
         return isDoubtful(other) != isDoubtful(*row);
       });
-      const std::string doubt = isDoubtful(*row) ? doubtOf({row, end}) : "";
-      for (; row != end; ++row) {
-        const std::size_t output = row->places[1] == kAlone ? kAlone : gap.outputs[row->places[1]];
-        const bool isTaken = row->places[0] != kAlone && !isDoubtful(*row);
-        if (row->places[0] != kAlone) {
-          takeOutput(gap.silent[next++], isDoubtful(*row) ? kAlone : output, doubt);
-        }
-        if (output != kAlone && !isTaken) {
-          joined_.orphans.push_back(
-              {output, next < gap.silent.size() ? gap.silent[next] : gap.runEnd, doubt});
-        }
+      next = dealStretch(gap, {row, end}, next);
+      row = end;
+    }
+  }
+
+  /// All of `rows` are doubtful, or none. The silent run `next` is their first; returns the first
+  /// behind them.
+  std::size_t dealStretch(const Gap& gap, std::span<const Row<2>> rows, std::size_t next) {
+    const bool areDoubtful = isDoubtful(rows.front());
+    const std::string doubt = areDoubtful ? doubtOf(rows) : "";
+    for (const Row<2>& row : rows) {
+      const bool hasRun = row.places[0] != kAlone;
+      const std::size_t output = row.places[1] == kAlone ? kAlone : gap.outputs[row.places[1]];
+      if (hasRun) {
+        takeOutput(gap.silent[next++], areDoubtful ? kAlone : output, doubt);
+      }
+      if (output != kAlone && (!hasRun || areDoubtful)) {
+        joined_.orphans.push_back(
+            {output, next < gap.silent.size() ? gap.silent[next] : gap.runEnd, doubt});
       }
     }
+    return next;
   }
 
   static bool isDoubtful(const Row<2>& row) { return row.doubtful != 0; }
@@ -238,7 +247,8 @@ class OutputJoiner {
       return std::ranges::count_if(
           rows, [&](const Row<2>& row) { return row.places[sequence] != kAlone; });
     };
-    return fmt::format("{} outputs of pings for {} runs: it is of one of these", count(1), count(0));
+    return fmt::format("{} outputs of pings for {} runs: it is of one of these", count(1),
+                       count(0));
   }
 
   void takeOutput(std::size_t run, std::size_t output, const std::string& doubt) {
@@ -257,14 +267,14 @@ class OutputJoiner {
     }
   }
 
-  /// Deals outputs out to silent runs. A run that was ended before it left anything else is likeliest
-  /// where the rhythm has room for it, and then at the end, where it may still go on.
+  /// Deals outputs out to silent runs. A run that was ended before it left anything else is
+  /// likeliest where the rhythm has room for it, and then at the end, where it may still go on.
   std::vector<Row<2>> alignSilent(const Gap& gap) const {
     std::vector<int> costBefore;
     std::size_t run = gap.run;
     for (std::size_t i = 0; i <= gap.silent.size(); ++i) {
       const std::size_t end = i < gap.silent.size() ? gap.silent[i] : gap.runEnd;
-      costBefore.push_back(hasRoom(run, end)        ? kRunEndedInRoom
+      costBefore.push_back(hasRoom(run, end)     ? kRunEndedInRoom
                            : end == runs_.size() ? kRunEndedLast
                                                  : kRunEndedWithoutRoom);
       run = end + 1;
@@ -285,14 +295,14 @@ class OutputJoiner {
                           [](const Places<2>&) { return std::nullopt; }});
   }
 
-  /// Whether the rhythm has room for one more run before any from `run` to `end`, which may be behind
-  /// the last.
+  /// Whether the rhythm has room for one more run before any from `run` to `end`, which may be
+  /// behind the last.
   bool hasRoom(std::size_t run, std::size_t end) const {
     return run <= end && rooms_[end + 1] > rooms_[run];
   }
 
-  /// Counts the places before each run, and behind the last one, that have room for one more; as far
-  /// as is known, where a time is missing or the clock was set back.
+  /// Counts the places before each run, and behind the last one, that have room for one more; as
+  /// far as is known, where a time is missing or the clock was set back.
   std::vector<std::size_t> countRooms() const {
     std::vector<std::size_t> rooms = {0};
     const auto addTo = [&](std::size_t run, bool hasRoom) {

@@ -122,6 +122,10 @@ void takeFigures(const PingOutput& output, Ping& ping) {
   }
 }
 
+bool hasFigures(RateState state) {
+  return state == RateState::full || state == RateState::cut || state == RateState::nothingMoved;
+}
+
 }  // namespace
 
 Rate judge(const RateFacts& facts) {
@@ -130,8 +134,7 @@ Rate judge(const RateFacts& facts) {
   if (facts.line != nullptr) {
     rate.duration = facts.line->duration;
   }
-  if (rate.state == RateState::full || rate.state == RateState::cut ||
-      rate.state == RateState::nothingMoved) {
+  if (facts.line != nullptr && hasFigures(rate.state)) {
     rate.bps = facts.line->bps;
     rate.bytes = facts.line->bytes;
     rate.seconds = secondsMeasured(*facts.line);

@@ -7,41 +7,43 @@ namespace watch {
 
 namespace {
 
-/// The first stamp of the archives that each run filled. A run's first move is named by its start.
+using Stamps = std::vector<std::optional<LocalTime>>;
+
+/// The stamp of the archive that each line filled.
+template <class Line>
+Stamps stampsOf(const Lines<Line>& lines) {
+  Stamps stamps(lines.all.size());
+  for (const Filled& archive : lines.filled) {
+    stamps[archive.line] = archive.stamp;
+  }
+  return stamps;
+}
+
+/// The first stamp of the archives that a run filled. Its first move is named by its start.
 class FillingStamps {
  public:
-  FillingStamps(const Evidence& evidence, const std::vector<RunLines>& runs)
-      : stamps_(runs.size()) {
-    std::vector<std::size_t> owners;
-    const auto note = [&](const std::vector<Filled>& filled) {
-      for (const Filled& archive : filled) {
-        if (owners[archive.line] != kAlone) {
-          std::optional<LocalTime>& stamp = stamps_[owners[archive.line]];
-          stamp = stamp ? std::min(*stamp, archive.stamp) : archive.stamp;
-        }
-      }
-    };
-    // The owner of each line of a history is the run that `lineOf` finds it in.
-    const auto own = [&](std::size_t lines, auto lineOf) {
-      owners.assign(lines, kAlone);
-      for (std::size_t i = 0; i < runs.size(); ++i) {
-        if (const std::size_t line = lineOf(runs[i]); line != kAlone) {
-          owners[line] = i;
-        }
-      }
-    };
-    own(evidence.results.all.size(), [](const RunLines& run) { return run.result; });
-    note(evidence.results.filled);
-    own(evidence.forward.all.size(), [](const RunLines& run) { return run.forward; });
-    note(evidence.forward.filled);
-    own(evidence.reverse.all.size(), [](const RunLines& run) { return run.reverse; });
-    note(evidence.reverse.filled);
+  explicit FillingStamps(const Evidence& evidence)
+      : forward_(stampsOf(evidence.forward)),
+        reverse_(stampsOf(evidence.reverse)),
+        results_(stampsOf(evidence.results)) {}
+
+  std::optional<LocalTime> of(const RunLines& run) const {
+    return first(first(at(forward_, run.forward), at(reverse_, run.reverse)),
+                 at(results_, run.result));
   }
 
-  std::optional<LocalTime> of(std::size_t run) const { return stamps_[run]; }
-
  private:
-  std::vector<std::optional<LocalTime>> stamps_;
+  static std::optional<LocalTime> at(const Stamps& stamps, std::size_t line) {
+    return line == kAlone ? std::nullopt : stamps[line];
+  }
+  static std::optional<LocalTime> first(std::optional<LocalTime> one,
+                                        std::optional<LocalTime> other) {
+    return one && other ? std::min(one, other) : one ? one : other;
+  }
+
+  Stamps forward_;
+  Stamps reverse_;
+  Stamps results_;
 };
 
 std::optional<EpochSeconds> startOf(const std::vector<Iperf3Line>& lines, std::size_t line) {
@@ -51,7 +53,7 @@ std::optional<EpochSeconds> startOf(const std::vector<Iperf3Line>& lines, std::s
 }  // namespace
 
 std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<RunLines>& runs) {
-  const FillingStamps stamps(evidence, runs);
+  const FillingStamps stamps(evidence);
   std::vector<RunTime> times;
   times.reserve(runs.size());
   for (std::size_t i = 0; i < runs.size(); ++i) {
@@ -64,7 +66,7 @@ std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<Run
                        !epoch && !ping.isUnique()});
     } else if (epoch) {
       times.push_back({epoch, forward ? TimeSource::forward : TimeSource::reverse, false});
-    } else if (const auto stamp = stamps.of(i)) {
+    } else if (const auto stamp = stamps.of(runs[i])) {
       const Moments filled = moments(*stamp);
       times.push_back({filled.first, TimeSource::archiveStamp, !filled.isUnique()});
     } else {
