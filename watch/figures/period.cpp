@@ -17,6 +17,12 @@ bool hadConnection(const Run& run) {
   return run.runClass != Class::failed || run.ping.received.value_or(0) > 0;
 }
 
+/// Runs are due every so many minutes, which they keep by some seconds.
+EpochSeconds wholeMinutes(EpochSeconds seconds) {
+  constexpr EpochSeconds kMinute = 60;
+  return seconds < 2 * kMinute ? seconds : (seconds + kMinute / 2) / kMinute * kMinute;
+}
+
 }  // namespace
 
 std::optional<EpochSeconds> lastTime(std::span<const Run> runs) {
@@ -36,20 +42,20 @@ Rhythm rhythmOf(std::span<const Run> runs) {
 }
 
 std::vector<std::optional<EpochSeconds>> placesInTime(std::span<const Run> runs) {
-  const Rhythm rhythm = rhythmOf(runs);
+  const EpochSeconds rhythm = wholeMinutes(rhythmOf(runs).seconds);
   std::vector<std::optional<EpochSeconds>> places(runs.size());
   std::optional<EpochSeconds> before;
   for (std::size_t i = 0; i < runs.size(); ++i) {
     places[i] = runs[i].time;
     if (!places[i] && before) {
-      places[i] = *before + rhythm.seconds;
+      places[i] = *before + rhythm;
     }
     before = places[i] ? places[i] : before;
   }
   std::optional<EpochSeconds> after;
   for (std::size_t i = runs.size(); i-- > 0;) {
     if (!runs[i].time && after) {
-      const EpochSeconds latest = *after - (places[i] ? 1 : rhythm.seconds);
+      const EpochSeconds latest = *after - (places[i] ? 1 : rhythm);
       places[i] = std::min(places[i].value_or(latest), latest);
     }
     after = places[i] ? places[i] : after;
