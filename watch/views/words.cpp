@@ -114,7 +114,8 @@ std::string folded(std::string_view text, std::size_t width, std::size_t indent)
     const std::string_view word = text.substr(0, text.find(' '));
     text.remove_prefix(std::min(word.size() + 1, text.size()));
     if (column > 0 && indent + column + 1 + word.size() > width) {
-      lines += "\n" + std::string(indent, ' ');
+      lines += '\n';
+      lines.append(indent, ' ');
       column = 0;
     }
     lines += column > 0 ? " " : "";
