@@ -105,9 +105,8 @@ TEST(Alignment, KeepsTheOrderOfWhatIsTooMuchToWeigh) {
 TEST(Alignment, FindsTheOnlyPlaceThatIsSought) {
   const std::string text = "--a---b-b";
   const auto find = [&](char letter, std::size_t expected, std::size_t reach) {
-    return findOnly(expected, 0, text.size(), reach, [&](std::size_t i) {
-      return text[i] == letter;
-    });
+    return findOnly(expected, 0, text.size(), reach,
+                    [&](std::size_t i) { return text[i] == letter; });
   };
 
   EXPECT_EQ(find('a', 2, 0), 2U);

@@ -48,7 +48,10 @@ TEST(JoinedRuns, GoByTheRatesWithoutADate) {
 
 TEST(JoinedRuns, ShowRatesInWholeUnits) {
   LogLines log;
-  log.unit(1 << 20).run(kFirst, 12.5, 40.7e6, 240e6).unit(1'000'000).run(kSecond, 12.9, 41.9e6, 241e6);
+  log.unit(1 << 20)
+      .run(kFirst, 12.5, 40.7e6, 240e6)
+      .unit(1'000'000)
+      .run(kSecond, 12.9, 41.9e6, 241e6);
 
   EXPECT_THAT(joined(log.evidence),
               ElementsAre(kWholeRun, "ping 2, output 2, forward 2, reverse 2, result 2"));
@@ -82,11 +85,12 @@ TEST(JoinedRuns, SayWhenAnotherWayWouldDoAsWell) {
   log.failedForward();  // ended in the reverse test
   log.failedForward().failedReverse().resultWithoutPing(kNone, kNone);
 
-  EXPECT_THAT(joined(log.evidence),
-              ElementsAre("forward 1 [its iperf3 lines could be those of a run beside it; its result "
-                          "could be that of a run beside it]",
-                          "forward 2, reverse 1, result 1 [its iperf3 lines could be those of a run "
-                          "beside it; its result could be that of a run beside it]"));
+  EXPECT_THAT(
+      joined(log.evidence),
+      ElementsAre("forward 1 [its iperf3 lines could be those of a run beside it; its result "
+                  "could be that of a run beside it]",
+                  "forward 2, reverse 1, result 1 [its iperf3 lines could be those of a run "
+                  "beside it; its result could be that of a run beside it]"));
 }
 
 TEST(JoinedRuns, GoOnBehindLostLines) {
@@ -176,9 +180,9 @@ TEST(JoinedRuns, LeaveAnOutputToARunThatLeftNothingElse) {
   LogLines log;
   log.run(kFirst, 12.5, 40e6, 240e6).silentOutput().run(kThird, 14.5, 42e6, 242e6);
 
-  EXPECT_THAT(joined(log.evidence),
-              ElementsAre(kWholeRun, "output 2",
-                          "ping 2, output 3, forward 2, reverse 2, result 2"));
+  EXPECT_THAT(
+      joined(log.evidence),
+      ElementsAre(kWholeRun, "output 2", "ping 2, output 3, forward 2, reverse 2, result 2"));
 }
 
 /// Runs whose pings the tester never reads; the one at `ended` was ended in its forward test.
@@ -203,8 +207,7 @@ TEST(JoinedRuns, AreToldApartByTheRhythmWhenNoPingIsRead) {
     expected.push_back(i == kEnded ? "output 8"
                                    : "output " + std::to_string(i + 1) + ", forward " +
                                          std::to_string(line) + ", reverse " +
-                                         std::to_string(line) + ", result " +
-                                         std::to_string(line));
+                                         std::to_string(line) + ", result " + std::to_string(line));
   }
 
   EXPECT_EQ(joined(unreadPings(kRuns, kEnded).evidence), expected);
@@ -238,8 +241,8 @@ TEST(JoinedRuns, HaveTheTimeThatIsKnownBest) {
                              : "none");
   }
 
-  EXPECT_THAT(times, ElementsAre("ping 0", "forward 3609", "reverse 7230", "archive_stamp 10800",
-                                 "none"));
+  EXPECT_THAT(times,
+              ElementsAre("ping 0", "forward 3609", "reverse 7230", "archive_stamp 10800", "none"));
 }
 
 TEST(JoinedRuns, MayStillGoOn) {

@@ -47,8 +47,9 @@ void addPlaces(const char* kind, const std::vector<Source>& sources, std::string
 }  // namespace
 
 LogLines::LogLines() {
-  evidence.files = {"ping_history.log", "ping_history_verbose.log", "iperf3_history_forward_csv.log",
-                    "iperf3_history_reverse_csv.log", "connection_test_results_history.log"};
+  evidence.files = {"ping_history.log", "ping_history_verbose.log",
+                    "iperf3_history_forward_csv.log", "iperf3_history_reverse_csv.log",
+                    "connection_test_results_history.log"};
 }
 
 LogLines& LogLines::ping(EpochSeconds at, double avg) {

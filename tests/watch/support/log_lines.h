@@ -41,6 +41,6 @@ class LogLines {
   std::uint64_t unitBps_ = 1;
 };
 
-/// Says of each run which lines it holds: "ping 1, output 1, forward 1, reverse 1, result 1", and in
-/// brackets what it is unsure of.
+/// Says of each run which lines it holds: "ping 1, output 1, forward 1, reverse 1, result 1", and
+/// in brackets what it is unsure of.
 std::vector<std::string> joined(const watch::Evidence& evidence);
