@@ -275,13 +275,17 @@ Evidence readOnce(const LogDirectory& directory, const Listing& listing,
 }
 
 Evidence readUntilStable(const LogDirectory& directory, std::optional<LocalTime> since) {
+  const auto begin = std::filesystem::file_time_type::clock::now();
   Troubles troubles;
   Listing listing = directory.list(since, troubles);
   for (int reading = 1;; ++reading) {
     Evidence evidence = readOnce(directory, listing, since);
+    evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
+    if (directory.archiveRestsSince(begin)) {
+      return evidence;
+    }
     troubles.clear();
     Listing now = directory.list(since, troubles);
-    evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
     if (now == listing) {
       return evidence;
     }

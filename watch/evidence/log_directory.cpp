@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -176,6 +177,13 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
     listing.of[kind] = std::move(names[kind]).sorted(kind);
   }
   return listing;
+}
+
+bool LogDirectory::archiveRestsSince(std::filesystem::file_time_type moment) const {
+  std::error_code failed;
+  const auto changed = std::filesystem::last_write_time(path_ / kArchive, failed);
+  // A change in the same moment as another one may leave no trace in the time.
+  return !failed && changed < moment - std::chrono::seconds(1);
 }
 
 std::optional<std::string> LogDirectory::read(const std::string& name, Troubles& troubles) const {

@@ -48,8 +48,11 @@ class LogDirectory {
   /// but for the newest two of each history.
   Listing list(std::optional<LocalTime> since, Troubles& troubles) const;
 
-  /// Gives the file `name` to `take` as a whole. A file that is missing is nothing; one that can't
-  /// be read is a trouble.
+  /// Whether nothing has moved to the archive in the second before `moment` nor since.
+  bool archiveRestsSince(std::filesystem::file_time_type moment) const;
+
+  /// Returns the file `name` as a whole. A file that is missing is nothing; one that can't be read is
+  /// a trouble.
   std::optional<std::string> read(const std::string& name, Troubles& troubles) const;
 
   /// Gives each line of the file `name` to `take`, without its end, from line 1 on. Returns whether

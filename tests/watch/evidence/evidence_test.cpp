@@ -470,6 +470,19 @@ TEST_F(EvidenceOf, AnArchiveThatChangesAllTheTimeIsATrouble) {
   EXPECT_EQ(listings, 6);
 }
 
+TEST_F(EvidenceOf, AnArchiveThatRestsIsListedOnce) {
+  write("archive/ping_history_20261116T050100.log", pingLine(1));
+  const auto then = std::filesystem::file_time_type::clock::now() - std::chrono::seconds(2);
+  std::filesystem::last_write_time(at("archive"), then);
+  int listings = 0;
+  beforeListing = [&] { ++listings; };
+
+  EXPECT_EQ(read(),
+            "ping 1 archive/ping_history_20261116T050100.log:1\n"
+            "ping 1 filled 60\n");
+  EXPECT_EQ(listings, 1);
+}
+
 TEST_F(EvidenceOf, WhatIsRecentLeavesOldArchivesOutButForTwo) {
   write("archive/ping_history_20261116T050001.log", pingLine(1));
   write("archive/ping_history_20261116T050002.log", pingLine(2));
