@@ -77,10 +77,13 @@ Reading readEnded(LogDirectory directory, EpochSeconds now) {
 
 /// Whether a run has to have left a line that is not there.
 bool lacksLines(const Run& run) {
-  const bool lacksResult = !run.finished && !run.ongoing && !run.orphan;
+  if (run.orphan || run.ongoing) {
+    return false;
+  }
   const bool lacksTest =
       run.write.state == RateState::unknown || run.read.state == RateState::unknown;
-  return lacksResult || lacksTest || (run.ping.state == PingState::replied && run.pings.empty());
+  const bool lacksPing = run.ping.state == PingState::replied && run.pings.empty();
+  return !run.finished || lacksTest || lacksPing;
 }
 
 /// Whether runs since then, one after the other, lack lines, as those of a file do that a wrong
@@ -90,7 +93,7 @@ bool lacksFile(std::span<const Run> runs, EpochSeconds since) {
   std::size_t lacking = 0;
   for (const Run& run : runs) {
     lacking = lacksLines(run) ? lacking + 1 : 0;
-    if (lacking >= kFewest && run.time.value_or(since) >= since) {
+    if (lacking >= kFewest && run.time && *run.time >= since) {
       return true;
     }
   }
