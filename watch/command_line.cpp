@@ -137,16 +137,19 @@ void readMaxAge(const std::string& text, Limits& limits) {
   }
 }
 
+void readFigure(const char* name, const std::string& text, std::optional<double>& figure) {
+  constexpr double kMost = 1e9;
+  figure = wholeNumber<double>(text);
+  if (!figure || !(*figure >= 0 && *figure <= kMost)) {
+    throw badValue(name, text, "number: write 200, or 0.5");
+  }
+}
+
 void addLimits(CLI::App& command, Limits& limits) {
   const auto add = [&](const char* name, const char* type, const char* about,
                        std::optional<double>& limit) {
-    addOption(command, name, type, about, [name, &limit](const std::string& text) {
-      constexpr double kMost = 1e9;
-      limit = wholeNumber<double>(text);
-      if (!limit || !(*limit >= 0 && *limit <= kMost)) {
-        throw badValue(name, text, "number: write 200, or 0.5");
-      }
-    });
+    addOption(command, name, type, about,
+              [name, &limit](const std::string& text) { readFigure(name, text, limit); });
   };
   add("--read", "MBIT", "The read rate is bad below this many Mbit/s", limits.read);
   add("--write", "MBIT", "The write rate is bad below this many Mbit/s", limits.write);

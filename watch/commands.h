@@ -40,7 +40,7 @@ struct ExportRequest {
 // the program. `now` is the time by which ages are told. They throw UsageError, and
 // std::runtime_error where something can't be written.
 int list(const Selection& selection, EpochSeconds now);
-int show(const Selection& selection, const std::string& run, EpochSeconds now);
+int show(const Selection& selection, const std::string& wanted, EpochSeconds now);
 int summary(const Selection& selection, EpochSeconds now);
 int check(const Selection& selection, const Limits& limits, EpochSeconds now);
 int exportRuns(const Selection& selection, const ExportRequest& request, EpochSeconds now);

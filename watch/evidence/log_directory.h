@@ -51,8 +51,8 @@ class LogDirectory {
   /// Whether nothing has moved to the archive in the second before `moment` nor since.
   bool archiveRestsSince(std::filesystem::file_time_type moment) const;
 
-  /// Returns the file `name` as a whole. A file that is missing is nothing; one that can't be read is
-  /// a trouble.
+  /// Returns the file `name` as a whole. A file that is missing is nothing; one that can't be read
+  /// is a trouble.
   std::optional<std::string> read(const std::string& name, Troubles& troubles) const;
 
   /// Gives each line of the file `name` to `take`, without its end, from line 1 on. Returns whether

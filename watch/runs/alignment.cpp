@@ -237,11 +237,16 @@ class Stretch {
   /// A row is doubtful in what another one of the best ways does with one of its elements.
   void markDoubts(const std::vector<Row<Count>>& all, std::vector<Row<Count>>& taken) const {
     for (std::size_t n = 0; n < Count; ++n) {
-      const std::vector<std::size_t> rowOf = rowsOfElements(n, taken);
-      for (const Row<Count>& other : all) {
-        if (other.places[n] != kAlone) {
-          markDifferences(other, taken[rowOf[other.places[n] - start_[n]]]);
-        }
+      markDoubtsBy(n, all, taken);
+    }
+  }
+
+  void markDoubtsBy(std::size_t n, const std::vector<Row<Count>>& all,
+                    std::vector<Row<Count>>& taken) const {
+    const std::vector<std::size_t> rowOf = rowsOfElements(n, taken);
+    for (const Row<Count>& other : all) {
+      if (other.places[n] != kAlone) {
+        markDifferences(other, taken[rowOf[other.places[n] - start_[n]]]);
       }
     }
   }

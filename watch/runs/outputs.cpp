@@ -232,12 +232,17 @@ class OutputJoiner {
       if (hasRun) {
         takeOutput(gap.silent[next++], areDoubtful ? kAlone : output, doubt);
       }
-      if (output != kAlone && (!hasRun || areDoubtful)) {
-        joined_.orphans.push_back(
-            {output, next < gap.silent.size() ? gap.silent[next] : gap.runEnd, doubt});
+      if (!hasRun || areDoubtful) {
+        leaveOrphan(output, next < gap.silent.size() ? gap.silent[next] : gap.runEnd, doubt);
       }
     }
     return next;
+  }
+
+  void leaveOrphan(std::size_t output, std::size_t before, const std::string& doubt) {
+    if (output != kAlone) {
+      joined_.orphans.push_back({output, before, doubt});
+    }
   }
 
   static bool isDoubtful(const Row<2>& row) { return row.doubtful != 0; }

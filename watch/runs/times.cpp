@@ -56,17 +56,17 @@ std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<Run
   const FillingStamps stamps(evidence);
   std::vector<RunTime> times;
   times.reserve(runs.size());
-  for (std::size_t i = 0; i < runs.size(); ++i) {
-    const auto forward = startOf(evidence.forward.all, runs[i].forward);
-    const auto reverse = startOf(evidence.reverse.all, runs[i].reverse);
+  for (const RunLines& run : runs) {
+    const auto forward = startOf(evidence.forward.all, run.forward);
+    const auto reverse = startOf(evidence.reverse.all, run.reverse);
     const auto epoch = forward ? forward : reverse;
-    if (runs[i].pings) {
-      const Moments ping = moments(evidence.pings.all[runs[i].pings->first].start);
+    if (run.pings) {
+      const Moments ping = moments(evidence.pings.all[run.pings->first].start);
       times.push_back({epoch ? ping.nearest(*epoch) : ping.first, TimeSource::ping,
                        !epoch && !ping.isUnique()});
     } else if (epoch) {
       times.push_back({epoch, forward ? TimeSource::forward : TimeSource::reverse, false});
-    } else if (const auto stamp = stamps.of(runs[i])) {
+    } else if (const auto stamp = stamps.of(run)) {
       const Moments filled = moments(*stamp);
       times.push_back({filled.first, TimeSource::archiveStamp, !filled.isUnique()});
     } else {
