@@ -5,9 +5,9 @@
 #include "iperf2/iperf2_run.h"
 #include "iperf3/iperf3_history.h"
 #include "iperf3/iperf3_run.h"
-#include "log_files.h"
 #include "ping/ping_run.h"
 #include "results/result_line.h"
+#include "run_limits.h"
 #include "run_state.h"
 #include "shell.h"
 #include "standard_streams.h"
@@ -23,8 +23,6 @@ namespace {
 
 constexpr char kBanner[] = "current time %s name %s argc is %d. Server IP address: %s\n";
 constexpr char kJoin[] = "%s%s";
-constexpr char kLogDirectory[] = "/Library/Logs/Qelmora/";
-constexpr char kArchiveDirectory[] = "archive/";
 constexpr char kCreateDirectories[] = "mkdir -p %s\n";
 
 constexpr int kUsageStatus = 2;
@@ -33,17 +31,6 @@ constexpr char kAddressTooLong[] =
     "or a shorter name (usage: connTester [ADDRESS])\n";
 constexpr char kHomeTooLong[] =
     "connTester: HOME has %zu characters, the limit is %zu: set HOME to a shorter path\n";
-
-/// The longest command line moves a history. It holds LOG_PATH twice, which is left out here.
-constexpr std::size_t kLongestCommand =
-    sizeof("mv   \n") + kLongestLiveName + sizeof(kArchiveDirectory) - 1 + kLongestArchivedName;
-
-/// Longest LOG_PATH with which every command line fits `cmd`, and every path its buffer.
-constexpr std::size_t kMaxLogPathLength = (sizeof(cmd) - kLongestCommand) / 2;
-static_assert(kMaxLogPathLength + kLongestLiveName < kPathCapacity);
-constexpr std::size_t kMaxHomeLength = kMaxLogPathLength - (sizeof(kLogDirectory) - 1);
-
-constexpr std::size_t kMaxAddressLength = sizeof(ipaddr) - 1;
 
 void takeArguments(int argc, char** argv) {
   myName = argv[0];
