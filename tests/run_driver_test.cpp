@@ -1,5 +1,6 @@
 #include "run_driver.h"
 
+#include "config/config_file.h"
 #include "run_state.h"
 #include "support/run_fixture.h"
 #include "text_buffer.h"

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
 constexpr char kFormatOutOfRange[] = "outputFormat out of range (1-%zu). Set to 1.\n";
 
 /// Characters of a wrong value that an error message repeats.

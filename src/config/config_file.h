@@ -5,6 +5,8 @@
 
 #include <string>
 
+inline constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
+
 /// Reads the configuration file into `ConfigurationParameters`. Without a readable file, all
 /// defaults stand, silently.
 ///

@@ -3,9 +3,6 @@
 
 #include <string>
 
-/// Where the program looks for its configuration file.
-inline constexpr char kConfigPath[] = "/usr/local/bin/Qelmora/connTester.conf";
-
 /// Returns the whole file; throws std::runtime_error when there is none.
 std::string readFile(const std::string& path);
 

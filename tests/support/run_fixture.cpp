@@ -1,5 +1,6 @@
 #include "support/run_fixture.h"
 
+#include "config/config_file.h"
 #include "run_state.h"
 #include "support/fake_shell.h"
 #include "text_buffer.h"
