@@ -23,6 +23,8 @@ set(folders
   ${CMAKE_INSTALL_BINDIR} ${programs}/ping-adapter ${programs}/iperf3-adapter ${data}
   ${documents}/docs lib/systemd/user ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5)
 if(TARGET connWatch)
+  # connWatch finds them from the start command, too.
+  target_compile_definitions(watch_parts PRIVATE PROGRAMS_FROM_BIN="${PROGRAMS_FROM_BIN}")
   list(APPEND folders ${completions})
 endif()
 configure_file(cmake/start_install.cmake.in packaging/start_install.cmake @ONLY)

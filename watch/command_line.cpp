@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "commands.h"
+#include "doctor/doctor.h"
 #include "evidence/text.h"
 #include "views/output.h"
 #include "when.h"
@@ -39,6 +40,10 @@ constexpr char kCheckStatuses[] =
     "measured nothing is critical, and one that measured only a part is a warning.\n"
     "The age of the last run is always said, and counts with --max-age only.";
 
+constexpr char kDoctorStatuses[] =
+    "\nStatus: 0 all is well, 1 something is to be looked at or cannot be told,\n"
+    "2 something is to be mended.";
+
 EpochSeconds currentTime() {
   return std::time(nullptr);
 }
@@ -49,6 +54,7 @@ struct Arguments {
   std::string run = "1";
   ExportRequest request;
   Limits limits;
+  DoctorRequest doctor;
 };
 
 CLI::ValidationError badValue(const char* option, const std::string& value,
@@ -176,6 +182,14 @@ void setUp(CLI::App& app) {
   app.formatter(formatter);
 }
 
+void addDoctor(CLI::App& command, DoctorRequest& request) {
+  command
+      .add_option("ADDRESS", request.address, "The server; default: that of the timer or last run")
+      ->type_name("");
+  command.add_flag("--try", request.isTry, "Make an iperf3 test of one second, which moves data");
+  command.footer(kDoctorStatuses);
+}
+
 void addCommands(CLI::App& app, Arguments& arguments) {
   const auto add = [&](const char* name, const char* about) {
     CLI::App* const command = app.add_subcommand(name, about)->group("Commands");
@@ -191,6 +205,9 @@ void addCommands(CLI::App& app, Arguments& arguments) {
   check->footer(std::string(kTimes) + "\n" + kCheckStatuses);
   addLimits(*check, arguments.limits);
   addExport(*add("export", "Every run, for other programs"), arguments.request);
+  addDoctor(*app.add_subcommand("doctor", "What a run would meet, and what to mend")
+                 ->group("Commands"),
+            arguments.doctor);
 }
 
 int run(const CLI::App& app, const Arguments& arguments) {
@@ -206,6 +223,9 @@ int run(const CLI::App& app, const Arguments& arguments) {
   }
   if (app.got_subcommand("export")) {
     return exportRuns(arguments.selection, arguments.request, now);
+  }
+  if (app.got_subcommand("doctor")) {
+    return doctor(arguments.doctor, now);
   }
   return summary(arguments.selection, now);
 }

@@ -24,14 +24,17 @@ expect_offer() {
 
 CompletesTheWordsOfEachCommand() {
   for_each_case expect_offer <<'END'
-""                    | check export list show summary
+""                    | check doctor export list show summary
 s                     | show summary
 show ""
 check ""
 export ""             | csv jsonl sqlite
 export s              | sqlite
 export csv ""
-nothing ""            | check export list show summary
+nothing ""            | check doctor export list show summary
+doctor ""
+doctor --             | --help --try
+doctor --try --h      | --help
 --                    | --from --help --since --until --version
 list --               | --from --help --since --until
 show -2 --            | --from --help --since --until
@@ -40,7 +43,7 @@ check --              | --bad --below --from --help --latency --max-age --read -
 export --             | --from --help --output --since --until
 export sqlite --o     | --output
 --help l              | list
---from list ""        | check export list show summary
+--from list ""        | check doctor export list show summary
 --from list check --r | --read
 --from = logs list -- | --from --help --since --until
 END
@@ -79,11 +82,12 @@ IsWhatBashAsksForConnWatch() {
   expect_file <(complete -p connWatch) <<<'complete -F _connWatch connWatch'
 }
 
-# Prints the long options that the manual lists for all commands and for command $1.
+# Prints the long options that the manual lists for all commands and for command $1, by default that which
+# is the default.
 options_of_manual() {
-  awk -v own="Options of $1" '
+  awk -v own="${1:-summary}" '
     /^\.S[hs] / { section = substr($0, 5) }
-    /^\.It Fl / && (section == "Options" || section == own) {
+    /^\.It Fl / && (section == "Options" || section ~ "^Options of " && section ~ "[ ]" own "(,| |$)") {
       for (i = 3; i <= NF; i++) {
         if ($(i - 1) == "Fl" && $i ~ /^-/) { print "-" $i }
       }
