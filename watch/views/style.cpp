@@ -46,15 +46,20 @@ bool isSet(const char* variable) {
 }  // namespace
 
 Style styleOfStandardOutput() {
+  return styleOf(STDOUT_FILENO);
+}
+
+Style styleOf(int descriptor) {
   std::setlocale(LC_CTYPE, "");
   Style style;
-  style.isTerminal = isatty(STDOUT_FILENO) != 0;
+  style.isTerminal = isatty(descriptor) != 0;
   const char* const terminal = std::getenv("TERM");
   const bool isDumb = terminal == nullptr || std::strcmp(terminal, "dumb") == 0;
-  style.hasColour = style.isTerminal && !isDumb && !isSet("NO_COLOR");
+  style.canRewrite = style.isTerminal && !isDumb;
+  style.hasColour = style.canRewrite && !isSet("NO_COLOR");
   style.hasBars = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
   winsize size{};
-  if (style.isTerminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+  if (style.isTerminal && ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
     style.width = size.ws_col;
   }
   return style;
