@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "doctor/doctor.h"
 #include "evidence/text.h"
+#include "guard/run.h"
 #include "views/output.h"
 #include "when.h"
 
@@ -55,6 +56,7 @@ struct Arguments {
   ExportRequest request;
   Limits limits;
   DoctorRequest doctor;
+  RunRequest runRequest;
 };
 
 CLI::ValidationError badValue(const char* option, const std::string& value,
@@ -190,12 +192,24 @@ void addDoctor(CLI::App& command, DoctorRequest& request) {
   command.footer(kDoctorStatuses);
 }
 
+void addRun(CLI::App& app, RunRequest& request) {
+  CLI::App* const command =
+      app.add_subcommand("run", "Make a run, and show how it goes")->group("Commands");
+  command
+      ->add_option_function<std::string>(
+          "ADDRESS", [&request](const std::string& address) { request.address = address; },
+          "IP address or host name of the server")
+      ->type_name("");
+  command->add_flag("--trace", request.hasTrace, "Show what the tester prints");
+}
+
 void addCommands(CLI::App& app, Arguments& arguments) {
   const auto add = [&](const char* name, const char* about) {
     CLI::App* const command = app.add_subcommand(name, about)->group("Commands");
     addSelection(*command, arguments.selection, command->check_name("summary"));
     return command;
   };
+  addRun(app, arguments.runRequest);
   add("summary", "Usual figures by day and hour, and outages (the default)");
   add("list", "Runs, one a line")->footer(std::string(kTimes) + "\n" + kListMarks);
   add("show", "One run, each figure with its file and line")
@@ -211,6 +225,9 @@ void addCommands(CLI::App& app, Arguments& arguments) {
 }
 
 int run(const CLI::App& app, const Arguments& arguments) {
+  if (app.got_subcommand("run")) {
+    return guardedRun(arguments.runRequest);
+  }
   const EpochSeconds now = currentTime();
   if (app.got_subcommand("list")) {
     return list(arguments.selection, now);

@@ -24,8 +24,6 @@ namespace watch {
 
 namespace {
 
-constexpr char kLogDirectory[] = "Library/Logs/Qelmora";
-
 /// A log directory, what was read there and the runs.
 struct Reading {
   LogDirectory directory;
@@ -33,19 +31,18 @@ struct Reading {
   std::vector<Run> runs;
 };
 
-LogDirectory ownDirectory() {
-  const char* const home = std::getenv("HOME");
-  if (home == nullptr || *home == '\0') {
-    throw UsageError("HOME is not set: say with --from DIR which log directory to read");
+LogDirectory userDirectory() {
+  if (const auto own = ownDirectory()) {
+    return *own;
   }
-  return LogDirectory(std::filesystem::path(home) / kLogDirectory);
+  throw UsageError("HOME is not set: say with --from DIR which log directory to read");
 }
 
 LogDirectory directoryOf(const Selection& selection) {
   if (selection.from.size() > 1) {
     throw UsageError("only summary reads several log directories: give --from DIR once");
   }
-  return selection.from.empty() ? ownDirectory() : LogDirectory(selection.from.front());
+  return selection.from.empty() ? userDirectory() : LogDirectory(selection.from.front());
 }
 
 /// Names what could not be read, a few of many.
@@ -119,7 +116,7 @@ int sayNoRuns(const LogDirectory& directory, const Period& period) {
   fmt::print(stderr, "  {}\n",
              isThere && isBounded
                  ? "All runs:  connWatch list, without --since and --until"
-                 : "Start one:  connTester ADDRESS      Look elsewhere:  --from DIR");
+                 : "Start one:  connWatch run ADDRESS      Look elsewhere:  --from DIR");
   return kNothingToRead;
 }
 
@@ -220,7 +217,7 @@ int show(const Selection& selection, const std::string& wanted, EpochSeconds now
 int summary(const Selection& selection, EpochSeconds now) {
   const Style style = styleOfStandardOutput();
   if (selection.from.empty()) {
-    return summarise(ownDirectory(), selection, now, style);
+    return summarise(userDirectory(), selection, now, style);
   }
   int status = kDone;
   for (const std::filesystem::path& path : selection.from) {

@@ -24,14 +24,17 @@ expect_offer() {
 
 CompletesTheWordsOfEachCommand() {
   for_each_case expect_offer <<'END'
-""                    | check doctor export list show summary
+""                    | check doctor export list run show summary
 s                     | show summary
 show ""
+run ""
+run --                | --help --trace
+run --trace ""
 check ""
 export ""             | csv jsonl sqlite
 export s              | sqlite
 export csv ""
-nothing ""            | check doctor export list show summary
+nothing ""            | check doctor export list run show summary
 doctor ""
 doctor --             | --help --try
 doctor --try --h      | --help
@@ -43,7 +46,7 @@ check --              | --bad --below --from --help --latency --max-age --read -
 export --             | --from --help --output --since --until
 export sqlite --o     | --output
 --help l              | list
---from list ""        | check doctor export list show summary
+--from list ""        | check doctor export list run show summary
 --from list check --r | --read
 --from = logs list -- | --from --help --since --until
 END

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -14,6 +15,7 @@ namespace watch {
 
 namespace {
 
+constexpr char kLogDirectory[] = "Library/Logs/Qelmora";
 constexpr char kArchive[] = "archive/";
 constexpr std::string_view kEnding = ".log";
 constexpr std::size_t kChunk = std::size_t{256} * 1024;
@@ -230,6 +232,13 @@ bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const 
     take(withoutCarriageReturn(buffer), ++number);
   }
   return true;
+}
+
+std::optional<LogDirectory> ownDirectory() {
+  const char* const home = std::getenv("HOME");
+  return home != nullptr && *home != '\0'
+             ? std::optional<LogDirectory>(std::filesystem::path(home) / kLogDirectory)
+             : std::nullopt;
 }
 
 void eachLine(std::string_view text, const Take& take) {

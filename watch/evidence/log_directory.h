@@ -68,6 +68,9 @@ class LogDirectory {
   std::filesystem::path path_;
 };
 
+/// The user's own, which need not be there; nothing without HOME.
+std::optional<LogDirectory> ownDirectory();
+
 /// Gives each line of `text` to `take`, without its end, from line 1 on.
 void eachLine(std::string_view text,
               const std::function<void(std::string_view, std::uint32_t)>& take);

@@ -13,12 +13,12 @@ namespace watch {
 struct Style {
   /// People read along: tables with headings for them, else fixed columns for programs.
   bool isTerminal = false;
-  /// What stands there can be written anew: a terminal, and no dumb one.
-  bool canRewrite = false;
   bool hasColour = false;
   /// The terminal shows "▁▂▃", else digits stand for them.
   bool hasBars = false;
   std::size_t width = 80;
+  /// What stands there can be written anew: a terminal, and no dumb one.
+  bool canRewrite = false;
 };
 
 /// Looks at where the file descriptor leads, and at NO_COLOR, TERM and the locale.

@@ -1,0 +1,288 @@
+#include "guard/run.h"
+
+#include "config/config_file.h"
+#include "evidence/evidence.h"
+#include "guard/progress.h"
+#include "guard/rewritten_line.h"
+#include "guard/screen.h"
+#include "guard/signals.h"
+#include "guard/tester_output.h"
+#include "guard/tester_process.h"
+#include "log_files.h"
+#include "run_state.h"
+#include "runs/join.h"
+#include "runs/states.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fmt/format.h>
+#include <stdexcept>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace watch {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kRedrawTime{250};
+constexpr milliseconds kSilentTime{1000};
+constexpr int kDiedBySignal = 128;
+
+EpochSeconds currentTime() {
+  using std::chrono::duration_cast;
+  using std::chrono::seconds;
+  return duration_cast<seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+double secondsSince(Clock::time_point then) {
+  return std::chrono::duration<double>(Clock::now() - then).count();
+}
+
+/// Settings that the tester does not take are for it to complain of.
+Plan planOfSettings() {
+  try {
+    readConfigFile();
+  } catch (const std::logic_error&) {
+    return planOf(Configuration{});
+  }
+  return planOf(ConfigurationParameters);
+}
+
+/// When the report of the write test was made, which the shell does as the test begins.
+std::filesystem::file_time_type reportTime(const LogDirectory& directory) {
+  std::error_code missing;
+  const auto time =
+      std::filesystem::last_write_time(directory.path() / kForwardFiles.report, missing);
+  return missing ? std::filesystem::file_time_type::min() : time;
+}
+
+/// The runs of the time in which something is usual, and later. More is not read: it takes the
+/// machine's time from the test that goes on.
+std::vector<Run> recentRuns(const LogDirectory& directory, EpochSeconds start) {
+  std::vector<Run> runs = joinRuns(readEvidenceSince(directory, localTime(start - kUsualPeriod)));
+  std::erase_if(runs, [](const Run& run) { return run.orphan; });
+  return runs;
+}
+
+/// Prints at once, whether or not anybody reads.
+void print(std::FILE* file, const std::string& text) {
+  std::fputs(text.c_str(), file);
+  std::fflush(file);
+}
+
+/// " in write test"
+std::string placeIn(Step step) {
+  return step == Step::start || step == Step::end
+             ? ""
+             : fmt::format(" in {}{}", name(step), step == Step::ping ? "" : " test");
+}
+
+/// Why a run has not come to its end, by the status of the start command.
+std::string abnormalEnd(int status, Step step) {
+  if (status == 0) {
+    return "";
+  }
+  const std::string how = status > kDiedBySignal
+                              ? fmt::format("by signal {}", status - kDiedBySignal)
+                              : fmt::format("with status {}", status);
+  return fmt::format(": ended {}{}", how, placeIn(step));
+}
+
+LogDirectory directoryOfRun() {
+  if (const auto own = ownDirectory()) {
+    return *own;
+  }
+  throw std::runtime_error("HOME is not set: a run needs a log directory");
+}
+
+class GuardedRun {
+ public:
+  explicit GuardedRun(const RunRequest& request)
+      : directory_(directoryOfRun()),
+        plan_(planOfSettings()),
+        start_(currentTime()),
+        before_(recentRuns(directory_, start_)),
+        oldReport_(reportTime(directory_)),
+        style_(styleOf(STDOUT_FILENO)),
+        isLive_(styleOf(STDERR_FILENO).canRewrite && !request.hasTrace),
+        output_(directory_.path(), request.hasTrace),
+        tester_(startCommand(), request.address) {}
+
+  int run() {
+    follow();
+    const int status = *tester_.status();
+    if (!progress_.hasStarted() && (status == kRunHasFailed || status == kRunIsBusy)) {
+      print(stderr, output_.text());
+      return status;
+    }
+    return conclude(status);
+  }
+
+ private:
+  void follow() {
+    bool isEnding = false;
+    while (!tester_.status()) {
+      waitForSomething(tester_.output(), isLive_ ? kRedrawTime : kSilentTime);
+      if (signalThatCame() != 0 && !isEnding) {
+        tester_.end();
+        isEnding = true;
+      }
+      listen();
+      show();
+    }
+    listen();
+    output_.finish(progress_);
+    line_.clear();
+  }
+
+  void listen() {
+    const Step before = progress_.step();
+    if (before < Step::write && reportTime(directory_) != oldReport_) {
+      progress_.takeNewReport();
+    }
+    output_.take(tester_.read(), progress_);
+    if (progress_.step() != before) {
+      stepStart_ = Clock::now();
+    }
+  }
+
+  void show() {
+    const Step step = progress_.step();
+    if (style_.canRewrite && step > shownUpTo_) {
+      shownUpTo_ = step;
+      showRows(thisRun().value_or(Run()), false);
+    }
+    if (isLive_ && step != Step::start && step != Step::end) {
+      line_.write(goingLine({step, secondsSince(stepStart_), planned(step), progress_.replies()},
+                            styleOf(STDERR_FILENO)));
+    }
+  }
+
+  PlannedTest planned(Step step) const {
+    return step == Step::ping ? plan_.ping : step == Step::write ? plan_.write : plan_.read;
+  }
+
+  /// This run, as far as its lines are there, as all commands read it.
+  std::optional<Run> thisRun() const {
+    const std::vector<Run> runs = recentRuns(directory_, start_);
+    const EpochSeconds now = currentTime();
+    const auto found = std::ranges::find_if(runs.rbegin(), runs.rend(), [&](const Run& run) {
+      return run.time && *run.time >= start_ && *run.time <= now;
+    });
+    if (found != runs.rend()) {
+      return withSettings(*found);
+    }
+    // A run that has measured nothing may have no time. Its place is behind all others.
+    return runs.size() > before_.size() ? std::optional(withSettings(runs.back())) : std::nullopt;
+  }
+
+  /// The files do not tell a ping that is switched off from one that could not run.
+  Run withSettings(Run run) const {
+    if (plan_.ping.mostSeconds == 0 && run.ping.state == PingState::noOutput) {
+      run.ping.state = PingState::off;
+      run.runClass = classOf(run);
+    }
+    return run;
+  }
+
+  /// Prints the rows of the tests that have ended, but for those that stand there already. What the
+  /// files do not tell may be told at the end of the run.
+  void showRows(const Run& run, bool isAtEnd) {
+    for (const Step step : {Step::ping, Step::write, Step::read}) {
+      const bool isTold = step < progress_.step() && (isAtEnd || isKnown(step, run));
+      const std::string row = isTold ? rowOf(step, run) : "";
+      std::string& shown = rows_.at(static_cast<std::size_t>(step));
+      if (isTold && row != shown) {
+        line_.clear();
+        print(stdout, row);
+        shown = row;
+      }
+    }
+  }
+
+  bool isKnown(Step step, const Run& run) const {
+    return step == Step::ping    ? pingOf(run).state != PingState::unknown
+           : step == Step::write ? run.write.state != RateState::unknown
+                                 : run.read.state != RateState::unknown;
+  }
+
+  std::string rowOf(Step step, const Run& run) const {
+    const Metric& metric = step == Step::ping ? kLatency : step == Step::write ? kWrite : kRead;
+    const RowContext context{usualThen(before_, metric, start_), start_, progress_.complaint(step),
+                             progress_.replies()};
+    if (step == Step::ping) {
+      return pingRow(pingOf(run), context, style_);
+    }
+    return rateRow(step, step == Step::write ? run.write : run.read, context, style_);
+  }
+
+  /// A ping without a summary leaves no line, and no run can be told to be its own as long as no
+  /// other test has ended: then its output alone tells what it came to.
+  Ping pingOf(const Run& run) const {
+    return run.ping.state == PingState::unknown && progress_.pingOutput() != nullptr
+               ? judge(PingFacts{.output = progress_.pingOutput()})
+               : run.ping;
+  }
+
+  /// Shows what has come of the run, whose start command has ended with `status`.
+  int conclude(int status) {
+    const std::optional<Run> run = thisRun();
+    if (run) {
+      showRows(*run, true);
+    }
+    if (!output_.trouble().empty()) {
+      print(stderr, "connWatch: " + output_.trouble() + "\n");
+    }
+    const std::string time = fmt::format("{:.0f} s", secondsSince(begin_));
+    if (const int signal = signalThatCame(); signal != 0) {
+      print(stdout, fmt::format("ended by {}{}, after {}\n", describeSignal(signal),
+                                placeIn(progress_.step()), time));
+      dieBy(signal);
+    }
+    if (!run) {
+      print(stderr, output_.text());
+    }
+    const Class runClass = run ? run->runClass : Class::failed;
+    print(stdout, fmt::format("{} in {}{}\n", paint(style_, tone(runClass), name(runClass)), time,
+                              abnormalEnd(status, progress_.step())));
+    return static_cast<int>(runClass);
+  }
+
+  LogDirectory directory_;
+  Plan plan_;
+  EpochSeconds start_;
+  Clock::time_point begin_ = Clock::now();
+  Clock::time_point stepStart_ = begin_;
+  std::vector<Run> before_;
+  std::filesystem::file_time_type oldReport_;
+  Style style_;
+  bool isLive_;
+  Progress progress_;
+  /// The rows of the tests before this step have been shown.
+  Step shownUpTo_ = Step::ping;
+  std::array<std::string, static_cast<std::size_t>(Step::end)> rows_;
+  RewrittenLine line_;
+  TesterOutput output_;
+  TesterProcess tester_;
+};
+
+static_assert(static_cast<int>(Class::ok) == kRunIsOk);
+static_assert(static_cast<int>(Class::partial) == kRunIsPartial);
+static_assert(static_cast<int>(Class::failed) == kRunHasFailed);
+
+}  // namespace
+
+int guardedRun(const RunRequest& request) {
+  holdBackSignals();
+  return GuardedRun(request).run();
+}
+
+}  // namespace watch
