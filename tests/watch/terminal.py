@@ -6,7 +6,7 @@ usage: terminal.py COLUMNS COMMAND [ARGUMENT...] <SCRIPT
 Each line of the script is done when the one before it is:
 
   wait TEXT     wait until TEXT stands on the screen
-  shot          print the screen
+  shot          print the screen, when nothing comes any more
   type TEXT     type TEXT; "^C" is the key
   resize COLUMNS
   do COMMAND    run a command of the shell
@@ -15,7 +15,7 @@ Each line of the script is done when the one before it is:
   end           wait for the end of the command, and print the screen, how the command has ended, and
                 what of the terminal is not as it was
 
-The screen is that of a terminal emulator, which keeps to the standards of xterm. Nothing waits for more
+TERMINAL_BYTES in the environment names a file that gets all that is sent to the terminal. The screen is that of a terminal emulator, which keeps to the standards of xterm. Nothing waits for more
 than forty seconds.
 """
 
@@ -40,6 +40,7 @@ class Terminal:
     def __init__(self, columns, command):
         self.screen = pyte.Screen(columns, ROWS)
         self.stream = pyte.Stream(self.screen)
+        self.bytes = open(os.environ.get("TERMINAL_BYTES", os.devnull), "wb", buffering=0)
         self.decoder = codecs.getincrementaldecoder("utf-8")()
         self.master, self.slave = os.openpty()
         self.set_size(self.slave, columns)
@@ -60,7 +61,9 @@ class Terminal:
         """Takes what is shown within that time, until nothing more comes. Returns whether something came."""
         ready, _, _ = select.select([self.master], [], [], seconds)
         if ready:
-            self.stream.feed(self.decoder.decode(os.read(self.master, 4096)))
+            shown = os.read(self.master, 4096)
+            self.bytes.write(shown)
+            self.stream.feed(self.decoder.decode(shown))
         return bool(ready)
 
     def wait(self, text):
@@ -74,6 +77,8 @@ class Terminal:
         return "\n".join(line.rstrip() for line in self.screen.display).rstrip()
 
     def shot(self, _):
+        while self.listen(0.3):
+            pass
         print(self.text())
         print("--")
 

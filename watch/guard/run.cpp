@@ -145,10 +145,12 @@ class GuardedRun {
 
   void listen() {
     const Step before = progress_.step();
-    if (before < Step::write && reportTime(directory_) != oldReport_) {
+    const bool isNewReport = before < Step::write && reportTime(directory_) != oldReport_;
+    // What ping has printed was there before that report.
+    output_.take(tester_.read(), progress_);
+    if (isNewReport) {
       progress_.takeNewReport();
     }
-    output_.take(tester_.read(), progress_);
     if (progress_.step() != before) {
       stepStart_ = Clock::now();
     }
