@@ -51,12 +51,14 @@ print_part() {
   ' "$1"
 }
 
-# Prints the report's error, without the advice that newer releases give. That a server was killed is
-# seen in two ways, and either may come first.
+# Without the advice that newer releases give. That a server was killed is seen in two ways, and either
+# may come first.
+same_error='
+  s/ - server may have stopped running or use a different port, firewall issue, etc\.//
+  s/unable to write to stream socket: Connection reset by peer/control socket has closed unexpectedly/'
+
 print_error() {
-  sed -n 's/^\t*"error":[\t ]*"\(.*\)".*/\1/p' "$1" | mask |
-    sed 's/ - server may have stopped running or use a different port, firewall issue, etc\.//
-      s/unable to write to stream socket: Connection reset by peer/control socket has closed unexpectedly/'
+  sed -n 's/^\t*"error":[\t ]*"\(.*\)".*/\1/p' "$1" | mask | sed "$same_error"
 }
 
 print_run() {

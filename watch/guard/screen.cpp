@@ -115,7 +115,8 @@ const char* words(RateState state) {
     case RateState::cut:
       return "cut";
     case RateState::nothingMoved:
-      return "no byte moved";
+      // Bytes may have moved before a server that was killed lost count of them.
+      return "no rate";
     case RateState::noTest:
       return "no test";
     case RateState::stale:

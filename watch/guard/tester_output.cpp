@@ -12,7 +12,7 @@ namespace watch {
 
 namespace {
 
-constexpr std::size_t kMostText = 64 * 1024;
+constexpr std::size_t kMostText = 65536;
 constexpr mode_t kMode = 0600;
 
 }  // namespace
@@ -40,9 +40,11 @@ void TesterOutput::keep() {
 
 void TesterOutput::takeLines(Progress& progress) {
   std::size_t begin = 0;
-  for (std::size_t end = 0; (end = unfinishedLine_.find('\n', begin)) != std::string::npos;
-       begin = end + 1) {
-    progress.take(std::string_view(unfinishedLine_).substr(begin, end - begin));
+  std::size_t end = unfinishedLine_.find('\n');
+  while (end != std::string::npos) {
+    progress.take({unfinishedLine_.data() + begin, end - begin});
+    begin = end + 1;
+    end = unfinishedLine_.find('\n', begin);
   }
   unfinishedLine_.erase(0, begin);
 }

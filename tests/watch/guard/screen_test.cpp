@@ -156,7 +156,7 @@ TEST_F(Row, OfARateThatIsNoFigureHasNoFigure) {
       {RateState::cut, "interrupt - the client has terminated",
        "iperf3 had not ended after 70 seconds and was interrupted",
        "cut, iperf3 had not ended after 70 seconds and was interrupted"},
-      {RateState::nothingMoved, "", "", "no byte moved"},
+      {RateState::nothingMoved, "", "", "no rate"},
       {RateState::noTest, "the server is busy", "", "no test, the server is busy"},
       {RateState::stale, "", "", "not measured, that of the run before once more"},
       {RateState::unknown, "", "", "cannot be told"},
