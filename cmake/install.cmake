@@ -15,6 +15,21 @@ set(completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 file(RELATIVE_PATH PROGRAMS_FROM_BIN /${CMAKE_INSTALL_BINDIR} /${programs})
 file(RELATIVE_PATH DATA_FROM_PROGRAMS /${programs} /${data})
 file(RELATIVE_PATH PREFIX_FROM_PROGRAMS /${programs} /)
+# What makes the hourly runs, and how it ends when a run has been made, or left out beside another.
+if(TARGET connWatch)
+  set(RUN_COMMAND "connWatch run")
+  set(RUN_STATUSES "1 2 75")
+  set(RUN_MANUALS "man:connWatch(1) man:connTester(1)")
+else()
+  set(RUN_COMMAND "connTester")
+  set(RUN_STATUSES "75")
+  set(RUN_MANUALS "man:connTester(1)")
+endif()
+string(REGEX REPLACE "[^ ]+" "    <string>\\0</string>" RUN_COMMAND_OF_AGENT ${RUN_COMMAND})
+string(REPLACE "> " ">\n" RUN_COMMAND_OF_AGENT ${RUN_COMMAND_OF_AGENT})
+foreach(file cron/connTester.crontab launchd/connTester.plist systemd/connTester@.service)
+  configure_file(packaging/${file}.in packaging/${file} @ONLY)
+endforeach()
 configure_file(packaging/start-command.in packaging/connTester @ONLY)
 configure_file(packaging/fixed-paths.in packaging/fixed-paths @ONLY)
 configure_file(packaging/uninstall.in packaging/uninstall @ONLY)
@@ -45,11 +60,13 @@ install(PROGRAMS packaging/in-session ${CMAKE_CURRENT_BINARY_DIR}/packaging/fixe
   DESTINATION ${programs})
 install(FILES
   packaging/connTester.conf
-  packaging/cron/connTester.crontab
-  packaging/launchd/connTester.plist
   packaging/systemd/locked-down.conf
+  ${CMAKE_CURRENT_BINARY_DIR}/packaging/cron/connTester.crontab
+  ${CMAKE_CURRENT_BINARY_DIR}/packaging/launchd/connTester.plist
   DESTINATION ${data})
-install(FILES packaging/systemd/connTester@.service packaging/systemd/connTester@.timer
+install(FILES
+  packaging/systemd/connTester@.timer
+  ${CMAKE_CURRENT_BINARY_DIR}/packaging/systemd/connTester@.service
   DESTINATION lib/systemd/user)
 install(FILES man/connTester.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES man/connTester.conf.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)

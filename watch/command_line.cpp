@@ -248,7 +248,7 @@ int run(const CLI::App& app, const Arguments& arguments) {
 }
 
 /// Says what went wrong. A plugin that can't do what it was asked for is "unknown", and says so
-/// where its verdicts stand, if it can write there.
+/// where its verdicts stand, if it can write there. A run has a status of its own for that, too.
 int refuse(const CLI::App& app, std::string what, bool canWrite) {
   const bool isPlugin = app.got_subcommand("check");
   if (isPlugin && canWrite) {
@@ -256,6 +256,9 @@ int refuse(const CLI::App& app, std::string what, bool canWrite) {
     print("UNKNOWN: " + what + "\n");
   } else {
     fmt::print(stderr, "connWatch: {}\n", what);
+  }
+  if (app.got_subcommand("run")) {
+    return kNoRun;
   }
   return isPlugin ? static_cast<int>(Verdict::unknown) : kRefused;
 }

@@ -4,10 +4,21 @@ source "$(dirname "$0")/library.sh"
 
 units=$prefix/lib/systemd/user
 
+# What makes the runs, and how it ends when the program has left nothing: that is no run to connWatch.
+if [[ $CONN_WATCH ]]; then
+  command='connWatch run'
+  statuses='1 2 75'
+  nothing_left=3
+else
+  command=connTester
+  statuses=75
+  nothing_left=0
+fi
+
 # Installs, with a program that does $1, to where systemd, cron and launchd look for commands.
 install_in_path() {
   install_fake_program "$1"
-  ln -s "$prefix/bin/connTester" /usr/local/bin/connTester
+  ln -s "$prefix/bin/${command%% *}" /usr/local/bin/
 }
 
 # Runs a command as they do, with the PATH $1. They know nothing else of the user than this.
@@ -16,7 +27,8 @@ run_in_path() {
 }
 
 expect_one_run() {
-  expect_silent_success
+  expect_status "$nothing_left"
+  expect_file /tmp/fake/errors </dev/null
   expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
 }
 
@@ -73,12 +85,21 @@ ServiceFailsWhenRunsAreLeftOutForAnHour() {
   install_in_path 'exit 0'
   make_log_directories
 
-  expect_file <(service_value SuccessExitStatus) <<<75
+  expect_file <(service_value SuccessExitStatus) <<<"$statuses"
   for_each_case expect_service_end <<'END'
 75 | 59 | 0
 75 | 62 | 1
 0  | 62 | 0
 END
+}
+
+# One that has measured nothing is a result; one that was refused is none.
+ServiceFailsWhenThereIsNoRun() {
+  install_in_path 'exit 0'
+
+  run_in_path /usr/local/bin:/usr/bin:/bin sh -c "$(service_value ExecStart | sed 's/%i/"a;b"/')"
+
+  [[ " $statuses 0 " != *" $status "* ]] || fail "status $status does not fail the service"
 }
 
 # Prints the command of the crontab line, as the documented command sets it up.
@@ -87,12 +108,20 @@ cron_command() {
 }
 
 CrontabLineRunsTheTesterSilentlyEveryHour() {
-  install_in_path 'echo result'
+  install_in_path 'exit 0'
 
   run_in_path /usr/bin:/bin sh -c "$(cron_command)"
 
   expect_one_run
-  expect_file <(cut -d ' ' -f -5 "$packaging/cron/connTester.crontab") <<<'17 * * * *'
+  expect_file /tmp/fake/console </dev/null
+  expect_file <(cut -d ' ' -f -5 "$prefix/share/connTester/connTester.crontab") <<<'17 * * * *'
+}
+
+# The documented commands that replace and remove it look for its name.
+CrontabLineIsFoundByItsName() {
+  install_tester
+
+  expect_file <(grep -c connTester "$prefix/share/connTester/connTester.crontab") <<<1
 }
 
 CrontabLineEndsARunThatTakesTooLong() {
@@ -122,11 +151,11 @@ run_agent() {
 }
 
 LaunchdAgentRunsTheTesterEveryHour() {
-  install_in_path 'exit 3'
+  install_in_path 'exit 0'
 
   run_agent 600
 
-  expect_status 3
+  expect_status "$nothing_left"
   expect_file /tmp/fake/events <<<'connTester [192.168.1.10]'
   expect_file <(agent_value StartCalendarInterval) <<<"{'Minute': 17}"
   expect_file <(agent_value Label) <<<connTester

@@ -301,7 +301,7 @@ GoesOnWhenNobodyReadsIt() {
 SaysWhatTheStartCommandSaysWhenItRefuses() {
   run_guarded '10.0.0.1;reboot'
 
-  expect_status 2
+  expect_status 3
   expect_file /tmp/fake/console </dev/null
   expect_same /tmp/fake/errors <(start_command '10.0.0.1;reboot' 2>&1)
   ! [[ -e $logs/run-latest.log ]] || fail 'a run that was refused has a log'
@@ -330,8 +330,8 @@ SaysWhatTheTesterSaysWhenItBreaksOff() {
 
   run_guarded 192.0.2.10
 
-  expect_status 2
-  expect_file /tmp/fake/console <<<'failed in # s: ended by signal 6'
+  expect_status 3
+  expect_file /tmp/fake/console <<<'no run, after # s: ended by signal 6'
   expect_file <(tail -n 1 /tmp/fake/errors) <<END
   what():  $installation/connTester.conf, line 1: numPings is "many", which does not start with a \
 number; write a whole number, for example numPings=10
@@ -399,12 +399,27 @@ SaysThatItCannotKeepWhatTheTesterPrints() {
   expect_file /tmp/fake/errors <<<"connWatch: cannot write $logs/run-latest.log: Is a directory"
 }
 
+HasAStatusOfItsOwnForAWrongCommandLine() {
+  run_guarded 192.0.2.10 192.0.2.11
+
+  expect_status 3
+  expect_file /tmp/fake/errors <<'END'
+connWatch: The following argument was not expected: 192.0.2.11
+  See:  connWatch run --help
+END
+}
+
+EndsByAnAlarm() {
+  expect_ended write 'signal ALRM' "$ping_row
+ended by an alarm in write test, after # s" ALRM
+}
+
 NeedsTheStartCommandBesideIt() {
   rm "$prefix/bin/connTester"
 
   run_guarded 192.0.2.10
 
-  expect_status 2
+  expect_status 3
   expect_file /tmp/fake/errors <<<"connWatch: cannot run $prefix/bin/connTester: No such file or directory"
 }
 

@@ -119,9 +119,9 @@ class GuardedRun {
   int run() {
     follow();
     const int status = *tester_.status();
-    if (!progress_.hasStarted() && (status == kRunHasFailed || status == kRunIsBusy)) {
+    if (!progress_.hasStarted() && signalThatCame() == 0) {
       print(stderr, output_.text());
-      return status;
+      return status == kRunIsBusy ? kRunIsBusy : kNoRun;
     }
     return conclude(status);
   }
@@ -249,13 +249,15 @@ class GuardedRun {
                                 placeIn(progress_.step()), time));
       dieBy(signal);
     }
+    const std::string end = time + abnormalEnd(status, progress_.step());
     if (!run) {
       print(stderr, output_.text());
+      print(stdout, fmt::format("{}, after {}\n", paint(style_, Tone::bad, "no run"), end));
+      return kNoRun;
     }
-    const Class runClass = run ? run->runClass : Class::failed;
-    print(stdout, fmt::format("{} in {}{}\n", paint(style_, tone(runClass), name(runClass)), time,
-                              abnormalEnd(status, progress_.step())));
-    return static_cast<int>(runClass);
+    const std::string verdict = paint(style_, tone(run->runClass), name(run->runClass));
+    print(stdout, fmt::format("{} in {}\n", verdict, end));
+    return static_cast<int>(run->runClass);
   }
 
   LogDirectory directory_;

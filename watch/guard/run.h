@@ -17,6 +17,8 @@ struct RunRequest {
 inline constexpr int kRunIsOk = 0;
 inline constexpr int kRunIsPartial = 1;
 inline constexpr int kRunHasFailed = 2;
+/// There is none: the start command has refused it, or it broke off and has left nothing.
+inline constexpr int kNoRun = 3;
 inline constexpr int kRunIsBusy = 75;
 
 /// Makes one run, and returns its exit status. Figures go to standard output, the line of the test

@@ -15,7 +15,8 @@ constexpr struct {
 } kSignals[] = {{SIGINT, "^C"},
                 {SIGTERM, "a termination signal"},
                 {SIGHUP, "the end of its terminal"},
-                {SIGQUIT, "^\\"}};
+                {SIGQUIT, "^\\"},
+                {SIGALRM, "an alarm"}};
 
 volatile std::sig_atomic_t firstSignal = 0;
 /// What is blocked while this waits: nothing of the above.

@@ -5,9 +5,9 @@
 
 namespace watch {
 
-/// From now on holds back what ends a program: ^C, a termination, a hang-up, ^\. One that the
-/// caller has ignored, as nohup does the hang-up, stays ignored. Nobody may read what is written:
-/// that is no signal any more.
+/// From now on holds back what ends a program: ^C, a termination, a hang-up, ^\, an alarm. One that
+/// the caller has ignored, as nohup does the hang-up, stays ignored. Nobody may read what is
+/// written: that is no signal any more.
 void holdBackSignals();
 
 /// Waits until something can be read from `descriptor`, a held back signal or the end of a child
