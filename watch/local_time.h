@@ -32,7 +32,9 @@ struct Moments {
   EpochSeconds nearest(EpochSeconds moment) const;
 };
 
-inline constexpr EpochSeconds kDaySeconds = EpochSeconds{24} * 60 * 60;
+inline constexpr EpochSeconds kMinuteSeconds = 60;
+inline constexpr EpochSeconds kHourSeconds = 60 * kMinuteSeconds;
+inline constexpr EpochSeconds kDaySeconds = 24 * kHourSeconds;
 
 /// Reads a stamp: "YYYYMMDDTHHMMSS" and nothing else.
 std::optional<LocalTime> parseStamp(std::string_view text);

@@ -12,10 +12,6 @@ namespace watch {
 
 namespace {
 
-constexpr EpochSeconds kMinute = 60;
-constexpr EpochSeconds kHour = 60 * kMinute;
-constexpr EpochSeconds kDay = 24 * kHour;
-
 constexpr std::string_view kMonths[] = {"january",   "february", "march",    "april",
                                         "may",       "june",     "july",     "august",
                                         "september", "october",  "november", "december"};
@@ -50,7 +46,7 @@ std::optional<unsigned> digits(std::string_view text, std::size_t least, std::si
 struct Reading {
   Calendar calendar;
   /// How much the text names: a day, a minute, a second.
-  EpochSeconds length = kDay;
+  EpochSeconds length = kDaySeconds;
   bool namesYear = true;
   bool namesDay = true;
   std::optional<std::int32_t> utcOffset;
@@ -73,7 +69,7 @@ bool takeOffset(std::string_view& time, Reading& reading) {
   if (!hours || !minutes || *hours > 23 || *minutes > 59) {
     return false;
   }
-  const auto seconds = static_cast<std::int32_t>(*hours * kHour + *minutes * kMinute);
+  const auto seconds = static_cast<std::int32_t>(*hours * kHourSeconds + *minutes * kMinuteSeconds);
   reading.utcOffset = time[sign] == '-' ? -seconds : seconds;
   time = time.substr(0, sign);
   return true;
@@ -94,7 +90,7 @@ bool readTime(std::string_view text, Reading& reading) {
   reading.calendar.hour = *hour;
   reading.calendar.minute = *minute;
   reading.calendar.second = *second;
-  reading.length = parts.size() == 3 ? 1 : kMinute;
+  reading.length = parts.size() == 3 ? 1 : kMinuteSeconds;
   return true;
 }
 
@@ -195,7 +191,7 @@ When whenOf(LocalTime begin, EpochSeconds length) {
 When dayOf(LocalTime local) {
   Calendar day = calendar(local);
   day.hour = day.minute = day.second = 0;
-  return whenOf(fromCalendar(day), kDay);
+  return whenOf(fromCalendar(day), kDaySeconds);
 }
 
 When momentOf(EpochSeconds moment) {
@@ -216,7 +212,11 @@ std::optional<EpochSeconds> parseLength(std::string_view text) {
   constexpr struct {
     char unit;
     EpochSeconds seconds;
-  } kUnits[] = {{'s', 1}, {'m', kMinute}, {'h', kHour}, {'d', kDay}, {'w', 7 * kDay}};
+  } kUnits[] = {{'s', 1},
+                {'m', kMinuteSeconds},
+                {'h', kHourSeconds},
+                {'d', kDaySeconds},
+                {'w', 7 * kDaySeconds}};
   constexpr std::size_t kMostDigits = 6;
   const auto number =
       text.empty() ? std::nullopt : digits(text.substr(0, text.size() - 1), 1, kMostDigits);
@@ -234,7 +234,7 @@ std::optional<When> parseWhen(std::string_view text, EpochSeconds now) {
     return momentOf(now);
   }
   if (text == "today" || text == "yesterday") {
-    return dayOf({local.seconds - (text == "today" ? 0 : kDay)});
+    return dayOf({local.seconds - (text == "today" ? 0 : kDaySeconds)});
   }
   if (const auto length = parseLength(text)) {
     return momentOf(now - *length);

@@ -20,14 +20,6 @@ std::optional<Number> optionalNumber(std::string_view text, bool& failed) {
   return number;
 }
 
-/// A tool's output with CRLF leaves a carriage return behind the start.
-std::string_view withoutCarriageReturn(std::string_view text) {
-  if (text.ends_with('\r')) {
-    text.remove_suffix(1);
-  }
-  return text;
-}
-
 /// Columns of the bytes and their rate: what was sent, and what was received.
 constexpr std::size_t kSent = 7;
 constexpr std::size_t kReceived = 9;

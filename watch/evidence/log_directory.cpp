@@ -1,5 +1,7 @@
 #include "evidence/log_directory.h"
 
+#include "evidence/text.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -83,13 +85,6 @@ class OpenFile {
 };
 
 using Take = std::function<void(std::string_view, std::uint32_t)>;
-
-std::string_view withoutCarriageReturn(std::string_view line) {
-  if (line.ends_with('\r')) {
-    line.remove_suffix(1);
-  }
-  return line;
-}
 
 /// Gives the whole lines of `text` to `take`, and returns what is behind the last one.
 std::string_view takeWholeLines(std::string_view text, std::uint32_t& number, const Take& take) {

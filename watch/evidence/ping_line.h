@@ -17,6 +17,8 @@ struct PingLine {
   double max = 0;
   double stddev = 0;
   Source from;
+
+  bool isZeros() const { return min == 0 && avg == 0 && max == 0 && stddev == 0; }
 };
 
 /// Returns what the whole of `line` says, or nothing.

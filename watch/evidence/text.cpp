@@ -4,6 +4,13 @@
 
 namespace watch {
 
+std::string_view withoutCarriageReturn(std::string_view text) {
+  if (text.ends_with('\r')) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
 std::string printable(std::string_view text) {
   std::string shown(text);
   std::ranges::replace_if(

@@ -49,6 +49,9 @@ bool splitColumns(std::string_view line, std::string_view (&columns)[Count]) {
   return line.find(',') == std::string_view::npos;
 }
 
+/// A tool that ends its lines by CRLF leaves a carriage return.
+std::string_view withoutCarriageReturn(std::string_view text);
+
 /// Returns `text` as it may be shown: what is no printable ASCII character is a "?". Addresses come
 /// from a server that can write what it wants.
 std::string printable(std::string_view text);

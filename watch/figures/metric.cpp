@@ -6,8 +6,6 @@ namespace watch {
 
 namespace {
 
-constexpr double kMega = 1e6;
-
 std::optional<double> measured(bool isMeasured, double value) {
   return isMeasured && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
@@ -16,10 +14,11 @@ std::optional<double> measured(bool isMeasured, double value) {
 
 const Metric kRead = {
     "read", "Mbit/s",
-    [](const Run& run) { return measured(run.read.isMeasured(), run.read.bps / kMega); }, true};
+    [](const Run& run) { return measured(run.read.isMeasured(), run.read.bps / kMegabit); }, true};
 const Metric kWrite = {
     "write", "Mbit/s",
-    [](const Run& run) { return measured(run.write.isMeasured(), run.write.bps / kMega); }, true};
+    [](const Run& run) { return measured(run.write.isMeasured(), run.write.bps / kMegabit); },
+    true};
 const Metric kLatency = {
     "latency", "ms", [](const Run& run) { return measured(run.ping.isMeasured(), run.ping.avg); },
     false};

@@ -7,6 +7,9 @@
 
 namespace watch {
 
+/// Bits per second that an Mbit/s stands for.
+inline constexpr double kMegabit = 1e6;
+
 struct Metric {
   const char* name;
   const char* unit;

@@ -19,8 +19,9 @@ bool hadConnection(const Run& run) {
 
 /// Runs are due every so many minutes, which they keep by some seconds.
 EpochSeconds wholeMinutes(EpochSeconds seconds) {
-  constexpr EpochSeconds kMinute = 60;
-  return seconds < 2 * kMinute ? seconds : (seconds + kMinute / 2) / kMinute * kMinute;
+  return seconds < 2 * kMinuteSeconds
+             ? seconds
+             : (seconds + kMinuteSeconds / 2) / kMinuteSeconds * kMinuteSeconds;
 }
 
 }  // namespace

@@ -30,10 +30,6 @@ bool isSameNumber(double one, double other) {
   return (std::isnan(one) && std::isnan(other)) || std::abs(one - other) < kThousandth;
 }
 
-bool isZeros(const PingLine& line) {
-  return line.min == 0 && line.avg == 0 && line.max == 0 && line.stddev == 0;
-}
-
 bool hasNumbersOf(const PingLine& line, const PingOutput& output) {
   return output.summaryIsWhole && isSameNumber(line.min, output.summary->min) &&
          isSameNumber(line.avg, output.summary->avg) &&
@@ -125,7 +121,7 @@ class OutputJoiner {
   std::optional<SureRow<2>> nextSurePair(const Places<2>& from) const {
     for (std::size_t line = from[0]; line < evidence_.pings.all.size(); ++line) {
       const auto isIts = [&](std::size_t i) {
-        return !isZeros(lineAt(line)) && hasNumbersOf(lineAt(line), readAt(i));
+        return !lineAt(line).isZeros() && hasNumbersOf(lineAt(line), readAt(i));
       };
       if (const auto found =
               findOnly(from[1] + (line - from[0]), from[1], read_.size(), kReach, isIts)) {

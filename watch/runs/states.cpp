@@ -43,10 +43,6 @@ constexpr Rule<RateState, RateFacts> kRateRules[] = {
     {RateState::cut, [](const RateFacts&) { return true; }},
 };
 
-bool isZeros(const PingLine& line) {
-  return line.min == 0 && line.avg == 0 && line.max == 0 && line.stddev == 0;
-}
-
 bool replied(const PingFacts& f) {
   return f.output != nullptr && f.output->replies > 0;
 }
@@ -55,10 +51,11 @@ constexpr Rule<PingState, PingFacts> kPingRules[] = {
     {PingState::stale, [](const PingFacts& f) { return f.isRepeated; }},
     {PingState::replied, [](const PingFacts& f) { return replied(f) && f.output->summaryIsWhole; }},
     {PingState::falseZero,
-     [](const PingFacts& f) { return replied(f) && f.line != nullptr && isZeros(*f.line); }},
+     [](const PingFacts& f) { return replied(f) && f.line != nullptr && f.line->isZeros(); }},
     {PingState::unread, replied},
     {PingState::noReply, [](const PingFacts& f) { return f.output != nullptr; }},
-    {PingState::replied, [](const PingFacts& f) { return f.line != nullptr && !isZeros(*f.line); }},
+    {PingState::replied,
+     [](const PingFacts& f) { return f.line != nullptr && !f.line->isZeros(); }},
     {PingState::unknown, [](const PingFacts& f) { return f.line != nullptr || f.isOpen; }},
     {PingState::off, [](const PingFacts& f) { return f.isOff; }},
     {PingState::noOutput, [](const PingFacts&) { return true; }},

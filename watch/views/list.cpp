@@ -17,7 +17,6 @@ namespace watch {
 namespace {
 
 constexpr std::size_t kMostBars = 60;
-constexpr EpochSeconds kHour = 3600;
 
 /// Where the columns stand. Those of the rates have one more character, for a mark.
 struct Layout {
@@ -40,11 +39,10 @@ constexpr Layout kNarrow = {0, 7, 0, 7};
 
 /// A rate of the line, or the kept rate of a test that was cut, with a mark.
 std::string rateText(const Rate& rate) {
-  constexpr double kMega = 1e6;
   if (rate.isMeasured()) {
-    return megabits(rate.bps / kMega);
+    return megabits(rate.bps / kMegabit);
   }
-  return rate.state == RateState::cut && rate.bps > 0 ? megabits(rate.bps / kMega) + "*" : "-";
+  return rate.state == RateState::cut && rate.bps > 0 ? megabits(rate.bps / kMegabit) + "*" : "-";
 }
 
 /// The latency, also where the tester has recorded none and the replies tell it.
@@ -81,7 +79,7 @@ class TerminalList {
         layout_(style.width < kWide.reason() ? kNarrow : kWide),
         places_(placesInTime(runs)),
         gaps_(gaps(runs)),
-        isHourly_(std::llabs(rhythmOf(runs).seconds - kHour) < kHour / 4) {}
+        isHourly_(std::llabs(rhythmOf(runs).seconds - kHourSeconds) < kHourSeconds / 4) {}
 
   std::string text() {
     add(Tone::dim,
@@ -135,7 +133,7 @@ class TerminalList {
         !isHourly_ ? counted(gap.missing, "run is missing", "runs are missing")
         : gap.missing < kTwoDays
             ? counted(gap.missing, "hour without a run", "hours without a run")
-            : span(static_cast<EpochSeconds>(gap.missing) * kHour) + " without a run";
+            : span(static_cast<EpochSeconds>(gap.missing) * kHourSeconds) + " without a run";
     add(Tone::dim,
         std::string(layout_.indent, ' ') + left(clockTime(gap.begin), Layout::kTime) + what);
   }

@@ -15,8 +15,6 @@ namespace watch {
 
 namespace {
 
-constexpr double kMega = 1e6;
-
 std::optional<double> known(double value) {
   return std::isnan(value) ? std::nullopt : std::optional(value);
 }
@@ -236,7 +234,7 @@ class RunView {
     const auto bps = known(rate.bps);
     const bool isFigure = bps && rate.state != RateState::nothingMoved;
     const Tone tone = rate.isMeasured() ? Tone::strong : Tone::warning;
-    field(test, isFigure ? paint(style_, tone, megabits(*bps / kMega)) + " Mbit/s" : "-",
+    field(test, isFigure ? paint(style_, tone, megabits(*bps / kMegabit)) + " Mbit/s" : "-",
           amount(rate));
     const bool isToCome = run_.ongoing && rate.state == RateState::off;
     const std::string means = isToCome ? "not yet" : meaning(rate.state);

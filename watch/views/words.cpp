@@ -13,10 +13,6 @@ constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
                                    "September", "October",  "November", "December"};
 constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
-constexpr EpochSeconds kMinute = 60;
-constexpr EpochSeconds kHour = 60 * kMinute;
-constexpr EpochSeconds kDay = 24 * kHour;
-
 Calendar local(EpochSeconds moment) {
   return calendar(localTime(moment));
 }
@@ -57,13 +53,15 @@ std::string span(EpochSeconds seconds) {
     EpochSeconds length;
     EpochSeconds below;
     const char* name;
-  } kUnits[] = {{1, 100, "s"}, {kMinute, 100 * kMinute, "min"}, {kHour, 48 * kHour, "h"}};
+  } kUnits[] = {{1, 100, "s"},
+                {kMinuteSeconds, 100 * kMinuteSeconds, "min"},
+                {kHourSeconds, 48 * kHourSeconds, "h"}};
   for (const auto& [length, below, name] : kUnits) {
     if (seconds < below) {
       return fmt::format("{} {}", (seconds + length / 2) / length, name);
     }
   }
-  return fmt::format("{} days", (seconds + kDay / 2) / kDay);
+  return fmt::format("{} days", (seconds + kDaySeconds / 2) / kDaySeconds);
 }
 
 std::string ago(EpochSeconds then, EpochSeconds now) {
