@@ -1,5 +1,6 @@
 #include "guard/screen.h"
 
+#include "figures/metric.h"
 #include "views/words.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ namespace watch {
 
 namespace {
 
-constexpr double kMega = 1e6;
 constexpr std::size_t kLabelWidth = 10;
 constexpr std::size_t kMostCells = 40;
 /// Fewer cells of a bar tell nothing.
@@ -198,7 +198,7 @@ std::string pingRow(const Ping& ping, const RowContext& context, const Style& st
 
 std::string rateRow(Step step, const Rate& rate, const RowContext& context, const Style& style) {
   const bool isFigure = rate.isMeasured();
-  const std::string figure = megabits(rate.bps / kMega) + " Mbit/s";
+  const std::string figure = megabits(rate.bps / kMegabit) + " Mbit/s";
   const std::string instead = withReason(words(rate.state), context.complaint, rate.reason);
   if (!style.canRewrite) {
     return isFigure ? fmt::format("{} {}\n", name(step), figure)
