@@ -75,7 +75,7 @@ Workstation findWorkstation(const std::string& address, bool isTry, EpochSeconds
 std::string shortened(const Workstation& workstation, const std::filesystem::path& path) {
   std::string text = path.lexically_normal().string();
   if (workstation.home && !workstation.home->empty() && text.starts_with(*workstation.home + "/")) {
-    return "~" + text.substr(workstation.home->size());
+    return std::string("~").append(text, workstation.home->size());
   }
   return text;
 }
