@@ -252,17 +252,17 @@ def made_logs(runs, interval):
         begun = made.with_suffix(".begun")
         quiet(["rm", "-rf", str(begun)])
         maker = BENCH.parent / "tests/watch/make_logs.py"
-        options = [f"--runs={runs}", f"--interval={interval}"]
+        # The zone is that in which they are read here.
+        options = [f"--runs={runs}", f"--interval={interval}", "--zone=UTC"]
         quiet([str(maker), str(begun), *options])
         begun.rename(made)
     return made / "log"
 
 
 def day_before_the_end(logs):
-    """Returns a day before the last date of the result lines."""
-    results = (logs / "connection_test_results_history.log").read_text()
-    dates = [line[7:22] for line in results.splitlines() if line.startswith("Date = 2")]
-    last = datetime.datetime.strptime(dates[-1], "%Y%m%dT%H%M%S")
+    """Returns a day before the last slot, in the zone that with_fake_tools sets."""
+    slots = (logs.parent / "truth.jsonl").read_text().splitlines()
+    last = datetime.datetime.fromtimestamp(json.loads(slots[-1])["slot"])
     return (last - datetime.timedelta(days=1)).isoformat()
 
 
