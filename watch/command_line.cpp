@@ -219,9 +219,9 @@ void addCommands(CLI::App& app, Arguments& arguments) {
   check->footer(std::string(kTimes) + "\n" + kCheckStatuses);
   addLimits(*check, arguments.limits);
   addExport(*add("export", "Every run, for other programs"), arguments.request);
-  addDoctor(*app.add_subcommand("doctor", "What a run would meet, and what to mend")
-                 ->group("Commands"),
-            arguments.doctor);
+  addDoctor(
+      *app.add_subcommand("doctor", "What a run would meet, and what to mend")->group("Commands"),
+      arguments.doctor);
 }
 
 int run(const CLI::App& app, const Arguments& arguments) {
