@@ -11,7 +11,7 @@ void requireSound(const watch::PingOutput& output) {
   require(output.replies == 0 || (output.leastMs >= 0 && output.leastMs <= output.greatestMs &&
                                   output.greatestMs <= output.sumMs),
           "times are in order");
-  require(output.sent.has_value() <= output.received.has_value(), "what was sent was received");
+  require(!output.sent || output.received, "what was sent was received");
   require(!output.summaryIsWhole || (output.summaryIsRead && output.summary),
           "a whole summary is there");
 }

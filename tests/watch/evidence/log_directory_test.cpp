@@ -14,7 +14,6 @@
 namespace watch {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::size_t kChunk = 256 * 1024;

@@ -8,8 +8,6 @@
 namespace watch {
 namespace {
 
-constexpr Members kLeft = 1;
-constexpr Members kRight = 2;
 constexpr Members kBoth = 3;
 
 /// Letters that are the same belong together; one alone costs 10. A letter "=" is beyond doubt.
