@@ -168,20 +168,20 @@ int sayNoSuchRun(std::span<const Run> runs, const std::string& wanted) {
 
 int summarise(const LogDirectory& directory, const Selection& selection, EpochSeconds now,
               const Style& style) {
-  const Reading reading = readEnded(directory, now);
+  Reading reading = readEnded(directory, now);
   printTroubles(reading.evidence.troubles);
   if (selection.from.size() > 1) {
     print(paint(style, Tone::strong, directory.path().string()) + "\n");
   }
   Period period = selection.period;
-  const std::vector<Run> runs = runsIn(reading.runs, period);
+  std::vector<Run> runs = runsIn(std::move(reading.runs), period);
   if (runs.empty()) {
     return sayNoRuns(directory, period);
   }
   if (const auto last = lastTime(runs); last && !period.since) {
     period.since = *last - kUsualPeriod;
   }
-  print(summaryView(runsIn(runs, period), style));
+  print(summaryView(runsIn(std::move(runs), period), style));
   return kDone;
 }
 
