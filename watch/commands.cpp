@@ -116,7 +116,8 @@ int sayNoRuns(const LogDirectory& directory, const Period& period) {
   fmt::print(stderr, "  {}\n",
              isThere && isBounded
                  ? "All runs:  connWatch list, without --since and --until"
-                 : "Start one:  connWatch run ADDRESS      Look elsewhere:  --from DIR");
+                 : "Start one:  connWatch run ADDRESS      Look for obstacles:  connWatch doctor\n"
+                   "  Look elsewhere:  --from DIR");
   return kNothingToRead;
 }
 
