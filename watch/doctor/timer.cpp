@@ -24,7 +24,7 @@ Finding describe(const Timer& timer, EpochSeconds now) {
                       *timer.next > now ? ago(*timer.next, now) : "now", last)};
 }
 
-/// When cron starts runs: the five fields of each line with connTester, or why that is not known.
+/// When cron starts runs: the five fields of each line that does, or why that is not known.
 struct Cron {
   std::vector<std::string> schedules;
   std::string trouble;
@@ -47,6 +47,11 @@ std::optional<std::string> scheduleOf(const std::string& line) {
   return schedule;
 }
 
+bool startsRuns(const std::string& line) {
+  return line.find("connTester") != std::string::npos ||
+         line.find("connWatch run") != std::string::npos;
+}
+
 Cron askCron(const std::string& searchPath) {
   constexpr std::chrono::seconds kLimit{3};
   const auto crontab = findProgram("crontab", searchPath);
@@ -61,8 +66,7 @@ Cron askCron(const std::string& searchPath) {
   Cron cron;
   std::istringstream lines(answer.text);
   for (std::string line; std::getline(lines, line);) {
-    const auto schedule =
-        line.find("connTester") != std::string::npos ? scheduleOf(line) : std::nullopt;
+    const auto schedule = startsRuns(line) ? scheduleOf(line) : std::nullopt;
     if (schedule) {
       cron.schedules.push_back(firstLine(*schedule));
     }

@@ -240,6 +240,8 @@ FindsNoHourlyRun() {
 echo '# 17 * * * * connTester'
 echo '17 * * * * PATH=/usr/bin timeout -k 10 600 connTester 127.0.0.2 >/dev/null'
 echo '@daily connTester 127.0.0.2'
+echo '5 6 * * * connWatch run 127.0.0.2'
+echo '7 8 * * * connWatch check'
 END
   look_at 'lines of cron' "$server"
 
