@@ -1,12 +1,11 @@
 #include "doctor/checks.h"
 #include "doctor/tool.h"
+#include "evidence/log_directory.h"
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
-#include <sstream>
 #include <unistd.h>
 
 namespace watch {
@@ -15,26 +14,21 @@ namespace {
 
 constexpr char kSubject[] = "nul";
 
-std::string contentOf(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 /// The file as the latest archive move has left it.
 Finding checkFile(const Workstation& workstation, const std::filesystem::path& folder) {
   const std::filesystem::path path = folder / kSubject;
   std::error_code error;
-  if (std::filesystem::is_directory(path, error) ||
-      (std::filesystem::exists(path, error) && access(path.c_str(), W_OK) != 0)) {
+  if (std::filesystem::exists(path, error) &&
+      (!std::filesystem::is_regular_file(path, error) || access(path.c_str(), W_OK) != 0)) {
     return {Level::mend, kSubject,
             fmt::format("{} is no file that can be written, which the archive moves do: full "
                         "histories stay. Remove it:",
                         shortened(workstation, path)),
             fmt::format("rm -rf {}", path.lexically_normal().string())};
   }
-  if (const std::string said = lastLine(contentOf(path)); !said.empty()) {
+  Troubles troubles;
+  const auto content = LogDirectory(folder).read(kSubject, troubles);
+  if (const std::string said = lastLine(content.value_or("")); !said.empty()) {
     return {Level::look, kSubject,
             fmt::format("the latest archive move has failed: it said \"{}\"", said)};
   }

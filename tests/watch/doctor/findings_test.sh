@@ -212,6 +212,9 @@ FindsHistoriesThatDoNotMove() {
 }
 
 FindsAPlaceForNulThatIsNone() {
+  mkfifo "$logs/nul"
+  look_at 'a FIFO nul'
+  rm "$logs/nul"
   mkdir "$logs/nul"
   look_at 'a directory nul'
 
