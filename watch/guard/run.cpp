@@ -72,6 +72,12 @@ std::vector<Run> recentRuns(const LogDirectory& directory, EpochSeconds start) {
   return runs;
 }
 
+/// Whether the terminal of standard error is this program's, and not a shell's, say.
+bool isInForeground() {
+  const pid_t foreground = tcgetpgrp(STDERR_FILENO);
+  return foreground == -1 || foreground == getpgrp();
+}
+
 /// Prints at once, whether or not anybody reads.
 void print(std::FILE* file, const std::string& text) {
   std::fputs(text.c_str(), file);
@@ -162,7 +168,7 @@ class GuardedRun {
       shownUpTo_ = step;
       showRows(thisRun().value_or(Run()), false);
     }
-    if (isLive_ && step != Step::start && step != Step::end) {
+    if (isLive_ && isInForeground() && step != Step::start && step != Step::end) {
       line_.write(goingLine({step, secondsSince(stepStart_), planned(step), progress_.replies()},
                             styleOf(STDERR_FILENO)));
     }
