@@ -62,13 +62,13 @@ expect_nothing_left() {
 }
 
 # Seconds are another one in each run.
-hide_seconds='s/\b[0-9]+ s\b/# s/'
+hide_seconds='s/\b[0-9]+ s\b/# s/; s/late, # s at most/# s left/'
 
 # Runs a command on a terminal of $1 columns by the script on standard input, and notes the screens that
 # it prints, without seconds and what they make of a bar.
 on_terminal() {
   env "$mark" "$support/../watch/terminal.py" "$@" >/tmp/fake/terminal
-  sed -E "$hide_seconds; s/[━─]+/━/" /tmp/fake/terminal >/tmp/fake/screens
+  sed -E "$hide_seconds; s/[━─]+/━/; s/[=-]{3,}/-/" /tmp/fake/terminal >/tmp/fake/screens
 }
 
 # Runs connWatch run so, and compares the screens with input 9.
@@ -266,6 +266,70 @@ LeavesNothingWhenItIsKilled() {
   wait_until nothing_is_left
 }
 
+list_runs() {
+  exec "$prefix/bin/connWatch" list
+}
+
+expect_list() {
+  run list_runs
+  expect_status 0
+  expect_file /tmp/fake/errors </dev/null
+}
+
+# Has the tools measure something else, or what they did before: what is the same is no measurement.
+change_tools() {
+  local other='y/24/42/'
+  sed -i "/ttl=64/$other" /tmp/bin/ping
+  sed -i "/local_port/$other" /tmp/fake/iperf3*.out
+}
+
+# Kills a run at its system call $1, on the files of the runs before. Returns whether it came that far.
+kill_run_at() {
+  rm -rf "$logs"
+  cp -a /tmp/fake/before "$logs"
+  change_tools
+  run env "$mark" "$KILL_AT" "$1" "$prefix/bin/connWatch" run 192.0.2.10
+  wait_until nothing_is_left
+  change_tools
+  [[ $status == 137 ]]
+}
+
+# What was there is there, and at most one run more; the next run measures as ever.
+expect_all_is_readable() {
+  expect_list
+  expect_file <(head -n 10 /tmp/fake/console) </tmp/fake/list
+  (($(wc -l </tmp/fake/console) <= 11)) || fail "more than one run: $(cat /tmp/fake/console)"
+  run "$prefix/bin/connWatch" show
+  expect_status 0
+  expect_file /tmp/fake/errors </dev/null
+
+  run_guarded 192.0.2.10
+  expect_status 0
+  expect_file /tmp/fake/console <<<"$four_lines"
+  expect_list
+  expect_file <(tail -n 1 /tmp/fake/console | awk '{ print $2, $3, $4, $5, $6 }') <<<'ok 9.3 0 911.8 1255.2'
+}
+
+# With FAULTS=long at more calls. All histories move in the runs.
+LeavesAllReadableWhereverItIsKilled() { # --untraced
+  local call=1 step=23
+  [[ ${FAULTS-} != long ]] || step=7
+  export PYTHONDONTWRITEBYTECODE=1
+  configure numPings=2 iperfTestTime=-1
+  mkdir -p "${logs%/*}"
+  /usr/bin/python3 "$support/../watch/make_logs.py" /tmp/line --seed 4 --runs 9 --zone UTC --start "$(($(date +%s) - 36000))"
+  mv /tmp/line/log "$logs"
+  expect_list
+  mv /tmp/fake/console /tmp/fake/list
+  mv "$logs" /tmp/fake/before
+
+  while kill_run_at "$call"; do
+    echo "Killed at call $call:"
+    expect_all_is_readable
+    ((call += step))
+  done
+}
+
 # As one started by nohup.
 GoesOnWithoutItsTerminalWhereTheHangUpIsIgnored() {
   wait_in write
@@ -303,6 +367,8 @@ SaysWhatTheStartCommandSaysWhenItRefuses() {
 
   expect_status 3
   expect_file /tmp/fake/console </dev/null
+  expect_same /tmp/fake/errors <(start_command '10.0.0.1;reboot' 2>&1)
+  run_guarded --trace '10.0.0.1;reboot'
   expect_same /tmp/fake/errors <(start_command '10.0.0.1;reboot' 2>&1)
   ! [[ -e $logs/run-latest.log ]] || fail 'a run that was refused has a log'
 }
@@ -421,6 +487,117 @@ NeedsTheStartCommandBesideIt() {
 
   expect_status 3
   expect_file /tmp/fake/errors <<<"connWatch: cannot run $prefix/bin/connTester: No such file or directory"
+}
+
+# It has an interpreter that is not there.
+NeedsAStartCommandThatStarts() {
+  echo '#!/nowhere' >"$prefix/bin/connTester"
+
+  run_guarded 192.0.2.10
+
+  expect_status 3
+  expect_file /tmp/fake/errors <<<"connWatch: cannot run $prefix/bin/connTester: No such file or directory"
+}
+
+NeedsAHome() {
+  unset HOME
+
+  run_guarded 192.0.2.10
+
+  expect_status 3
+  expect_file /tmp/fake/errors <<<'connWatch: HOME is not set: a run needs a log directory'
+}
+
+NeedsALogDirectoryThatCanBeWritten() { # --unprivileged
+  mkdir -p "$logs"
+  touch "$logs/connTester.lock"
+  chmod 400 "$logs/connTester.lock"
+
+  run_guarded 192.0.2.10
+
+  expect_status 3
+  expect_file /tmp/fake/errors <<<"connTester: cannot write $logs/connTester.lock: Permission denied"
+}
+
+# The disk is full before the run, then from its first test on.
+SaysThatTheDiskIsFull() { # --small-disk
+  local fill='cat /dev/zero >/tmp/disk/filler 2>/dev/null'
+  mkdir -p "${logs%/*}"
+  ln -s /tmp/disk "$logs"
+  eval "$fill" || true
+
+  run_guarded 192.0.2.10
+  expect_status 3
+  expect_file /tmp/fake/errors <<<"connTester: cannot write $logs/connTester.lock: No space left on device"
+
+  rm /tmp/disk/*
+  echo "$fill" >/tmp/fake/in_ping
+  run_guarded 192.0.2.10
+  expect_status 3
+  expect_file /tmp/fake/console <<<'no run, after # s'
+  grep -q 'No space left on device' /tmp/fake/errors || fail "no reason: $(cat /tmp/fake/errors)"
+}
+
+# What is not kept anywhere comes faster than it can be read.
+EndsByTheKeyInAFlood() {
+  mkdir -p "$logs/run-latest.log"
+  echo 'echo >/tmp/fake/begun; exec yes garbage >&2' >/tmp/fake/in_write
+
+  expect_screens 100 192.0.2.10 9<<SCREENS <<'SCRIPT'
+$ping_row
+connWatch: cannot write $logs/run-latest.log: Is a directory
+ended by ^C in write test, after # s
+signal: SIGINT
+SCREENS
+do read -r _ </tmp/fake/begun
+type ^C
+end
+SCRIPT
+}
+
+# The terminal is that of others then.
+RewritesNothingInTheBackground() {
+  wait_in write
+
+  on_terminal 80 sh -c 'set -m; "$0" run 192.0.2.10 & wait $!' "$prefix/bin/connWatch" <<'SCRIPT'
+do read -r _ </tmp/fake/begun
+wait ping
+shot
+do echo >/tmp/fake/gate
+end
+SCRIPT
+
+  expect_file /tmp/fake/screens <<END
+$ping_row
+--
+$ping_row
+  write   911.8 Mbit/s
+  read    1255.2 Mbit/s
+ok in # s
+status: 0
+END
+}
+
+FitsANarrowTerminalWithoutUtf8() {
+  export LC_ALL=C
+  wait_in write
+
+  expect_screens 40 192.0.2.10 9<<'SCREENS' <<'SCRIPT'
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2
+  write   -  # s left   ^C stops
+--
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2
+  write   911.8 Mbit/s
+  read    1255.2 Mbit/s
+ok in # s
+status: 0
+SCREENS
+do read -r _ </tmp/fake/begun
+wait write
+shot
+do echo >/tmp/fake/gate
+end
+SCRIPT
 }
 
 run_watch_test() {

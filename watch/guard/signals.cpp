@@ -63,6 +63,10 @@ void waitForSomething(int descriptor, std::chrono::milliseconds time) {
   const std::chrono::nanoseconds rest = time - seconds;
   const timespec timeout = {seconds.count(), rest.count()};
   pselect(descriptor + 1, &readable, nullptr, nullptr, &timeout, &whileWaiting);
+  // It lets no signal in when there is something to read at once.
+  sigset_t held;
+  sigprocmask(SIG_SETMASK, &whileWaiting, &held);
+  sigprocmask(SIG_SETMASK, &held, nullptr);
 }
 
 int signalThatCame() {

@@ -47,18 +47,21 @@ void TesterOutput::takeLines(Progress& progress) {
     end = unfinishedLine_.find('\n', begin);
   }
   unfinishedLine_.erase(0, begin);
+  // What no tool prints: of a line without an end the beginning is kept.
+  unfinishedLine_.resize(std::min(kMostText, unfinishedLine_.size()));
 }
 
 void TesterOutput::take(const std::string& text, Progress& progress) {
   if (text.empty()) {
     return;
   }
-  text_.append(text, 0, kMostText - std::min(kMostText, text_.size()));
+  if (isShown_) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+  } else {
+    text_.append(text, 0, kMostText - std::min(kMostText, text_.size()));
+  }
   unkept_ += text;
   unfinishedLine_ += text;
-  if (isShown_) {
-    std::fputs(text.c_str(), stderr);
-  }
   takeLines(progress);
   if (progress.hasStarted()) {
     keep();

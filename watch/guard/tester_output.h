@@ -24,7 +24,7 @@ class TesterOutput {
   /// Takes the end: a last line without a newline counts, too.
   void finish(Progress& progress);
 
-  /// All of it, or the first part of very much.
+  /// What has not been shown: all of it, the first part of very much, or nothing.
   const std::string& text() const { return text_; }
   /// Why it could not be kept, as "cannot write PATH: REASON"; empty when it was.
   const std::string& trouble() const { return trouble_; }

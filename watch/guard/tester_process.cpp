@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -22,9 +23,12 @@ constexpr char kStartCommand[] = "connTester";
 constexpr int kCannotRunStatus = 126;
 constexpr int kDiedBySignal = 128;
 
+std::string failure(const std::filesystem::path& command) {
+  return fmt::format("cannot run {}: {}", command.string(), std::strerror(errno));
+}
+
 [[noreturn]] void fail(const std::filesystem::path& command) {
-  throw std::runtime_error(
-      fmt::format("cannot run {}: {}", command.string(), std::strerror(errno)));
+  throw std::runtime_error(failure(command));
 }
 
 /// Turns this process, a child, into the start command. Its signals are as a shell would have them:
@@ -41,6 +45,7 @@ constexpr int kDiedBySignal = 128;
   dup2(output, STDOUT_FILENO);
   dup2(output, STDERR_FILENO);
   execlp(command.c_str(), kStartCommand, address ? address->c_str() : nullptr, nullptr);
+  std::fputs(fmt::format("connWatch: {}\n", failure(command)).c_str(), stderr);
   std::_Exit(kCannotRunStatus);
 }
 
@@ -86,10 +91,12 @@ TesterProcess::~TesterProcess() {
 }
 
 std::string TesterProcess::read() {
+  constexpr std::size_t kMostText = 65536;
   std::string text;
   std::array<char, 4096> part{};
   ssize_t count = -1;
-  while (output_ >= 0 && (count = ::read(output_, part.data(), part.size())) > 0) {
+  while (output_ >= 0 && text.size() < kMostText &&
+         (count = ::read(output_, part.data(), part.size())) > 0) {
     text.append(part.data(), static_cast<std::size_t>(count));
   }
   if (count == 0) {

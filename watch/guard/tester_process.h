@@ -24,7 +24,7 @@ class TesterProcess {
 
   /// Where its output and its complaints can be read, those of its tools too; -1 at their end.
   int output() const { return output_; }
-  /// Reads what is there by now.
+  /// Reads what is there by now, or a part of very much.
   std::string read();
   /// Returns, once it has ended, the exit status, or 128 and the signal by which it has died.
   std::optional<int> status();
