@@ -1,4 +1,5 @@
-// A clock in a file, preloaded under the program: takes the place of time() and nanosleep().
+// A clock in a file, preloaded under the program: takes the place of time(), clock_gettime() and
+// nanosleep().
 //
 // Files, in the directory that FAKE_DIR names: "clock" (seconds since the epoch; sleeping moves it
 // on), "events" (appended: one line for each sleep).
@@ -33,6 +34,13 @@ std::time_t readClock() {
   return now;
 }
 
+/// In one step: another program may read it at any moment.
+void setClock(std::time_t now) {
+  const std::string path = fakeFile("clock");
+  std::ofstream(path + ".new") << now << '\n';
+  std::rename((path + ".new").c_str(), path.c_str());
+}
+
 }  // namespace
 
 // The C library's names for the parameters are reserved.
@@ -47,9 +55,13 @@ std::time_t time(std::time_t* t) noexcept {
   return now;
 }
 
+int clock_gettime(clockid_t /*clock*/, std::timespec* now) noexcept {
+  *now = {readClock(), 0};
+  return 0;
+}
+
 int nanosleep(const std::timespec* request, std::timespec* /*remainder*/) {
-  const std::time_t wakeUp = readClock() + request->tv_sec;
-  std::ofstream(fakeFile("clock")) << wakeUp << '\n';
+  setClock(readClock() + request->tv_sec);
   std::ofstream(fakeFile("events"), std::ios::app)
       << "sleep " << request->tv_sec << " s " << request->tv_nsec << " ns\n";
   return 0;
