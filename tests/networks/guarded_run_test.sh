@@ -5,23 +5,45 @@ source "$(dirname "$0")/library.sh"
 # What a test starts can be told by its environment.
 mark=GUARDED_BY=$1-$$
 
+# Prints what other programs are told of the runs that are there: what each one was, and why.
+print_what_is_read() {
+  { "$prefix/bin/connWatch" export jsonl 2>&1 || true; } | /usr/bin/python3 -c '
+import json, sys
+for line in sys.stdin:
+    if not line.startswith("{"):
+        print(line, end="")
+        continue
+    run = json.loads(line)
+    states = [f"{name} {run[name]['\''state'\'']}" for name in ("ping", "write", "read")]
+    print(f"{run['\''class'\'']}: {run['\''reason'\'']}; {'\'', '\''.join(states)}")'
+}
+
+# Prints all that a run has come to: what it says, its status, what it leaves in the log directory, and
+# what the next command reads there.
 print_guarded_run() {
   print_masked says /tmp/fake/console | sed "$same_error"
   print_masked complains /tmp/fake/errors
   echo "status: $status"
   (cd "$logs" && find . -type f -printf '%P\n' | sort)
-  mask "$logs/connection_test_results.txt"
+  if [[ -e $logs/connection_test_results.txt ]]; then
+    mask "$logs/connection_test_results.txt"
+  fi
+  print_what_is_read | print_masked 'is read as' /dev/stdin | sed "$same_error"
 }
 
 left_processes() {
   grep -lszxF "$mark" /proc/[0-9]*/environ | xargs -r dirname | xargs -r -I '{}' cat '{}/comm'
 }
 
+expect_nothing_left() {
+  [[ -z $(left_processes) ]] || fail "left are: $(left_processes)"
+}
+
 # Makes a guarded run, and compares it with the recorded one.
 expect_guarded_run() {
   run env "$mark" "$prefix/bin/connWatch" run "$1"
 
-  [[ -z $(left_processes) ]] || fail "left are: $(left_processes)"
+  expect_nothing_left
   print_guarded_run >/tmp/fake/run
   expect_recorded "$networks/expected/$row.run" /tmp/fake/run
 }
@@ -51,9 +73,30 @@ SaysThatTheServerIsFrozen() {
   expect_guarded_run $server
 }
 
+SaysThatTheServerWasFrozenInTheWriteTest() {
+  start_server
+  during_test 1 kill -STOP "$server_process"
+
+  expect_guarded_run $server
+}
+
+SaysThatTheServerWasFrozenInTheReadTest() {
+  start_server
+  during_test 2 kill -STOP "$server_process"
+
+  expect_guarded_run $server
+}
+
 SaysThatTheServerWasKilledInTheWriteTest() {
   start_server
   during_test 1 kill -KILL "$server_process"
+
+  expect_guarded_run $server
+}
+
+SaysThatTheServerWasKilledInTheReadTest() {
+  start_server
+  during_test 2 kill -KILL "$server_process"
 
   expect_guarded_run $server
 }
@@ -77,6 +120,20 @@ SaysThatTheCableWasCutForSeconds() {
 SaysThatTheCableWasCutForGood() {
   start_server
   during_test 2 ip link set cable down
+
+  expect_guarded_run $server
+}
+
+SaysThatTheCableWasCutForGoodInTheWriteTest() {
+  start_server
+  during_test 1 ip link set cable down
+
+  expect_guarded_run $server
+}
+
+SaysThatTheCableWasCutBeforeTheRun() {
+  start_server
+  ip link set cable down
 
   expect_guarded_run $server
 }
@@ -108,28 +165,47 @@ SaysThatThereIsNoIperf3() {
   expect_guarded_run $server
 }
 
-# Types ^C in the test $1 of a run on a terminal, and compares the end of the screen.
-expect_end_by_key() {
+# Ends a run on a terminal, by the action $3 of terminal.py, in the test $1, which $2 shows to be on its way.
+# Prints the last words and all that the run has come to.
+end_run() {
+  rm -rf "$logs"
   env "$mark" LC_ALL=C.UTF-8 TERM=xterm "$networks/../watch/terminal.py" 80 "$prefix/bin/connWatch" run $server \
     >/tmp/fake/screen <<SCRIPT
 wait $1
-type ^C
+$2
+$3
 end
 SCRIPT
+  expect_nothing_left
+  status=$(sed -n 's/^signal: //p' /tmp/fake/screen)
+  sed -n 's/after 0 s/after 1 s/; /^ended/p' /tmp/fake/screen >/tmp/fake/console
+  : >/tmp/fake/errors
+  echo "In $1:"
+  print_guarded_run
+}
 
-  [[ -z $(left_processes) ]] || fail "left are: $(left_processes)"
-  expect_file <(tail -n 2 /tmp/fake/screen | sed -E 's/after [0-9]+ s/after # s/') <<END
-ended by ^C in $2, after # s
-signal: SIGINT
-END
+expect_end_in_each_test() {
+  start_server
+
+  {
+    end_run ping 'wait █' "$1"
+    end_run write 'do sleep 0.5' "$1"
+    end_run read 'do sleep 0.5' "$1"
+  } >/tmp/fake/run
+
+  expect_recorded "$networks/expected/$row.run" /tmp/fake/run
 }
 
 EndsWithItsToolsByTheKeyInEachTest() {
-  start_server
+  expect_end_in_each_test 'type ^C'
+}
 
-  expect_end_by_key ping ping
-  expect_end_by_key write 'write test'
-  expect_end_by_key read 'read test'
+EndsWithItsToolsByATerminationInEachTest() {
+  expect_end_in_each_test 'signal TERM'
+}
+
+EndsWithItsToolsAndItsTerminalInEachTest() {
+  expect_end_in_each_test close
 }
 
 run_network_test "$@"
