@@ -1,6 +1,7 @@
 #include "evidence/evidence.h"
 
 #include "evidence/file_order.h"
+#include "evidence/run_lock.h"
 
 #include <algorithm>
 #include <string_view>
@@ -276,10 +277,13 @@ Evidence readOnce(const LogDirectory& directory, const Listing& listing,
 
 Evidence readUntilStable(const LogDirectory& directory, std::optional<LocalTime> since) {
   const auto begin = std::filesystem::file_time_type::clock::now();
+  // Before its lines: one that ends meanwhile may have more of them.
+  const auto endedRun = beginOfEndedRun(directory);
   Troubles troubles;
   Listing listing = directory.list(since, troubles);
   for (int reading = 1;; ++reading) {
     Evidence evidence = readOnce(directory, listing, since);
+    evidence.endedRun = endedRun;
     evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
     if (directory.archiveRestsSince(begin)) {
       return evidence;

@@ -43,6 +43,8 @@ struct Evidence {
   /// The latest reports, where they can be read.
   std::optional<Iperf3Report> forwardReport;
   std::optional<Iperf3Report> reverseReport;
+  /// When the run began that took the lock last, where that has ended.
+  std::optional<EpochSeconds> endedRun;
   Troubles troubles;
 };
 

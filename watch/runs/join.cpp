@@ -165,12 +165,20 @@ class RunMaker {
   OutputsOfRuns outputs_;
 };
 
+/// Whether that run took the lock that is free again: its first line is written soon, or behind a
+/// ping that waits for its limit in vain.
+bool hasEnded(EpochSeconds time, std::optional<EpochSeconds> endedRun) {
+  constexpr EpochSeconds kLongestPing = 60;
+  return endedRun && *endedRun <= time && time <= *endedRun + kLongestPing;
+}
+
 /// Marks the runs that have written last and that may still go on. Longer than these minutes takes
 /// only a run whose settings ask for it, or one that hangs; the usual ones take less than four.
-void markOngoing(std::vector<Run>& runs, EpochSeconds now) {
+void markOngoing(std::vector<Run>& runs, EpochSeconds now, std::optional<EpochSeconds> endedRun) {
   constexpr EpochSeconds kLongestRun = 600;
   for (auto run = runs.rbegin(); run != runs.rend() && !run->finished; ++run) {
-    run->ongoing = run->time && *run->time <= now && now < *run->time + kLongestRun;
+    run->ongoing = run->time && *run->time <= now && now < *run->time + kLongestRun &&
+                   !hasEnded(*run->time, endedRun);
   }
 }
 
@@ -200,7 +208,7 @@ void sortByTime(std::vector<Run>& runs) {
 std::vector<Run> joinRuns(const Evidence& evidence, std::optional<EpochSeconds> now) {
   std::vector<Run> runs = RunMaker(evidence).make();
   if (now) {
-    markOngoing(runs, *now);
+    markOngoing(runs, *now, evidence.endedRun);
   }
   sortByTime(runs);
   return runs;

@@ -28,7 +28,8 @@
 namespace watch {
 
 /// Returns the runs in the order of their times. A run without one stands behind that before it.
-/// With `now`, the last runs, if they have begun shortly before and have no result, are `ongoing`.
+/// With `now`, the last runs, if they have begun shortly before and have no result, are `ongoing`,
+/// unless the lock tells that they have ended.
 std::vector<Run> joinRuns(const Evidence& evidence, std::optional<EpochSeconds> now = {});
 
 }  // namespace watch

@@ -262,6 +262,22 @@ TEST(JoinedRuns, MayStillGoOn) {
   EXPECT_THAT(ongoing(kSecond + 600), ElementsAre(false, false));
 }
 
+// That of a run whose ping had no summary is its forward test's.
+TEST(JoinedRuns, DoNotGoOnWhenTheirLockIsFree) {
+  LogLines log;
+  log.ping(kFirst, 12.5);
+  const auto isOngoing = [&](EpochSeconds lock) {
+    log.evidence.endedRun = lock;
+    return joinRuns(log.evidence, kFirst + 120).front().ongoing;
+  };
+
+  EXPECT_FALSE(isOngoing(kFirst));
+  EXPECT_FALSE(isOngoing(kFirst - 60));
+  // These are the locks of other runs: the bare program takes none.
+  EXPECT_TRUE(isOngoing(kFirst - 61));
+  EXPECT_TRUE(isOngoing(kFirst + 1));
+}
+
 TEST(JoinedRuns, DoNotGoOnWhenALaterOneIsAtItsEnd) {
   LogLines log;
   log.ping(kFirst, 12.5).run(kFirst + 60, 13.5, 41e6, 241e6);
