@@ -45,6 +45,10 @@ constexpr char kDoctorStatuses[] =
     "\nStatus: 0 all is well, 1 something is to be looked at or cannot be told,\n"
     "2 something is to be mended.";
 
+constexpr char kRunStatuses[] =
+    "\nStatus: 0 ok, 1 partial, 2 failed; 3 there was no run, 75 another one of yours\n"
+    "is in progress.";
+
 EpochSeconds currentTime() {
   return std::time(nullptr);
 }
@@ -201,6 +205,7 @@ void addRun(CLI::App& app, RunRequest& request) {
           "IP address or host name of the server")
       ->type_name("");
   command->add_flag("--trace", request.hasTrace, "Show what the tester prints");
+  command->footer(kRunStatuses);
 }
 
 void addCommands(CLI::App& app, Arguments& arguments) {

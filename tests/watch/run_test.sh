@@ -423,6 +423,24 @@ number; write a whole number, for example numPings=10
 END
 }
 
+# Its tools go on: they are let go here.
+IsPartialWhenItsStartCommandIsKilled() {
+  wait_in read
+  start guarded_run 192.0.2.10
+  wait_until_begun
+
+  kill -KILL "$(cut -d ' ' -f 1 "$logs/connTester.lock")"
+
+  expect_end 1
+  expect_file <(sed -E "$hide_seconds" /tmp/fake/console) <<'END'
+ping 9.3 ms, 2 of 2 back
+write 911.8 Mbit/s
+partial in # s: ended by signal 9 in read test
+END
+  open_gate
+  wait_until nothing_is_left
+}
+
 IsPartialWhenATestIsMissing() {
   echo 'exit 1' >/tmp/fake/in_write
 
@@ -516,6 +534,21 @@ NeedsAStartCommandThatStarts() {
 
   expect_status 3
   expect_file /tmp/fake/errors <<<"connWatch: cannot run $prefix/bin/connTester: No such file or directory"
+}
+
+WorksWithManyOpenFiles() {
+  run_guarded_with_open_files() {
+    exec /usr/bin/python3 -c '
+import os, resource, sys
+resource.setrlimit(resource.RLIMIT_NOFILE, (2048, 2048))
+for _ in range(1100):
+    os.set_inheritable(os.open("/dev/null", os.O_RDONLY), True)
+os.execvp(sys.argv[1], sys.argv[1:])' "$prefix/bin/connWatch" run 192.0.2.10
+  }
+  run run_guarded_with_open_files
+
+  expect_status 0
+  expect_file <(sed -E "$hide_seconds" /tmp/fake/console) <<<"$four_lines"
 }
 
 NeedsAHome() {

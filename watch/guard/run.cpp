@@ -261,9 +261,9 @@ class GuardedRun {
       print(stdout, fmt::format("{}, after {}\n", paint(style_, Tone::bad, "no run"), end));
       return kNoRun;
     }
-    const std::string verdict = paint(style_, tone(run->runClass), name(run->runClass));
-    print(stdout, fmt::format("{} in {}\n", verdict, end));
-    return static_cast<int>(run->runClass);
+    const Class result = status == 0 ? run->runClass : std::max(run->runClass, Class::partial);
+    print(stdout, fmt::format("{} in {}\n", paint(style_, tone(result), name(result)), end));
+    return static_cast<int>(result);
   }
 
   LogDirectory directory_;

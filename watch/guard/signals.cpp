@@ -56,13 +56,15 @@ void holdBackSignals() {
 void waitForSomething(int descriptor, std::chrono::milliseconds time) {
   fd_set readable;
   FD_ZERO(&readable);
-  if (descriptor >= 0) {
+  // Higher ones it does not know: then time alone ends the wait.
+  const bool isWatched = descriptor >= 0 && descriptor < FD_SETSIZE;
+  if (isWatched) {
     FD_SET(descriptor, &readable);
   }
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
   const std::chrono::nanoseconds rest = time - seconds;
   const timespec timeout = {seconds.count(), rest.count()};
-  pselect(descriptor + 1, &readable, nullptr, nullptr, &timeout, &whileWaiting);
+  pselect(isWatched ? descriptor + 1 : 0, &readable, nullptr, nullptr, &timeout, &whileWaiting);
   // It lets no signal in when there is something to read at once.
   sigset_t held;
   sigprocmask(SIG_SETMASK, &whileWaiting, &held);
