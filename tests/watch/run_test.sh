@@ -590,6 +590,21 @@ SaysThatTheDiskIsFull() { # --small-disk
   grep -q 'No space left on device' /tmp/fake/errors || fail "no reason: $(cat /tmp/fake/errors)"
 }
 
+# As long as it reads what runs were before, here the settings, it has nothing to end but itself.
+EndsAtOnceBeforeTheRun() {
+  rm "$installation/connTester.conf"
+  mkfifo "$installation/connTester.conf"
+
+  expect_screens 80 192.0.2.10 9<<'SCREENS' <<'SCRIPT'
+
+signal: SIGINT
+SCREENS
+do sleep 0.3
+signal INT
+end
+SCRIPT
+}
+
 # What is not kept anywhere comes faster than it can be read.
 EndsByTheKeyInAFlood() {
   mkdir -p "$logs/run-latest.log"

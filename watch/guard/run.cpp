@@ -119,12 +119,12 @@ class GuardedRun {
         oldReport_(reportTime(directory_)),
         style_(styleOf(STDOUT_FILENO)),
         isLive_(styleOf(STDERR_FILENO).canRewrite && !request.hasTrace),
-        output_(directory_.path(), request.hasTrace),
-        tester_(startCommand(), request.address) {}
+        output_(directory_.path(), request.hasTrace) {}
 
-  int run() {
-    follow();
-    const int status = *tester_.status();
+  /// Returns the exit status of the run that `tester` makes.
+  int run(TesterProcess& tester) {
+    follow(tester);
+    const int status = *tester.status();
     if (!progress_.hasStarted() && signalThatCame() == 0) {
       print(stderr, output_.text());
       return status == kRunIsBusy ? kRunIsBusy : kNoRun;
@@ -133,27 +133,27 @@ class GuardedRun {
   }
 
  private:
-  void follow() {
+  void follow(TesterProcess& tester) {
     bool isEnding = false;
-    while (!tester_.status()) {
-      waitForSomething(tester_.output(), isLive_ ? kRedrawTime : kSilentTime);
+    while (!tester.status()) {
+      waitForSomething(tester.output(), isLive_ ? kRedrawTime : kSilentTime);
       if (signalThatCame() != 0 && !isEnding) {
-        tester_.end();
+        tester.end();
         isEnding = true;
       }
-      listen();
+      listen(tester);
       show();
     }
-    listen();
+    listen(tester);
     output_.finish(progress_);
     line_.clear();
   }
 
-  void listen() {
+  void listen(TesterProcess& tester) {
     const Step before = progress_.step();
     const bool isNewReport = before < Step::write && reportTime(directory_) != oldReport_;
     // What ping has printed was there before that report.
-    output_.take(tester_.read(), progress_);
+    output_.take(tester.read(), progress_);
     if (isNewReport) {
       progress_.takeNewReport();
     }
@@ -281,7 +281,6 @@ class GuardedRun {
   std::array<std::string, static_cast<std::size_t>(Step::end)> rows_;
   RewrittenLine line_;
   TesterOutput output_;
-  TesterProcess tester_;
 };
 
 static_assert(static_cast<int>(Class::ok) == kRunIsOk);
@@ -291,8 +290,12 @@ static_assert(static_cast<int>(Class::failed) == kRunHasFailed);
 }  // namespace
 
 int guardedRun(const RunRequest& request) {
+  // What a run is compared with may take long to read. Up to there a signal ends this program
+  // alone.
+  GuardedRun guarded(request);
   holdBackSignals();
-  return GuardedRun(request).run();
+  TesterProcess tester(startCommand(), request.address);
+  return guarded.run(tester);
 }
 
 }  // namespace watch
