@@ -97,12 +97,16 @@ FindsAnIperf3ThatIsOfNoUse() {
   ln -sf /nowhere/iperf3 "$installation/iperf3"
   look_at 'a link to nowhere'
 
-  rm "$installation/iperf3" "$prefix/bin/connTester"
+  rm "$installation/iperf3"
+  look_at 'no iperf3'
+
+  rm "$prefix/bin/connTester"
   look_at 'no iperf3, and no start command'
 }
 
 FindsAServerThatDoesNotAnswer() {
   look_at 'a server without iperf3' 127.0.0.3
+  look_at 'a network that is not there' 192.0.2.10
 
   replace ping <<<'case $* in *127.0.0.1) cat /tmp/fake/ping.log;; *) exit 1;; esac'
   look_at 'a server that drops pings'
@@ -155,6 +159,9 @@ echo 'iperf3: error - the server is busy running a test. try again later' >&2
 exit 1
 END
   look_at 'a server that is busy' --try
+
+  sed -i 's/the server is busy.*again later/unable to connect/' /tmp/bin/iperf3
+  look_at 'a test that fails' --try
 }
 
 FindsAHomeThatNoRunCanUse() {
@@ -174,6 +181,8 @@ FindsAHomeThatNoRunCanUse() {
 FindsALogDirectoryThatNoRunCanUse() {
   chmod 500 "$logs"
   look_at 'a directory that cannot be written'
+  chmod 300 "$logs"
+  look_at 'a directory that cannot be listed'
   chmod 755 "$logs"
   chmod 500 "$logs/archive"
   look_at 'an open directory, an archive that cannot be written'
@@ -215,6 +224,10 @@ FindsAPlaceForNulThatIsNone() {
   mkfifo "$logs/nul"
   look_at 'a FIFO nul'
   rm "$logs/nul"
+  touch "$logs/nul"
+  chmod 400 "$logs/nul"
+  look_at 'a file nul that cannot be written'
+  rm -f "$logs/nul"
   mkdir "$logs/nul"
   look_at 'a directory nul'
 
