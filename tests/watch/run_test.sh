@@ -328,7 +328,7 @@ expect_all_is_readable() {
   expect_file <(tail -n 1 /tmp/fake/console | awk '{ print $2, $3, $4, $5, $6 }') <<<'ok 9.3 0 911.8 1255.2'
 }
 
-# With FAULTS=long at more calls. All histories move in the runs.
+# With FAULTS=long at each of them. All histories move in the runs.
 LeavesAllReadableWhereverItIsKilled() { # --untraced
   local call=1 step=17
   [[ ${FAULTS-} != long ]] || step=1
