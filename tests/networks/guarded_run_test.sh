@@ -74,6 +74,7 @@ SaysThatTheServerIsFrozen() {
 }
 
 SaysThatTheServerWasFrozenInTheWriteTest() {
+  shorten_tests 4
   start_server
   during_test 1 kill -STOP "$server_process"
 
@@ -81,6 +82,7 @@ SaysThatTheServerWasFrozenInTheWriteTest() {
 }
 
 SaysThatTheServerWasFrozenInTheReadTest() {
+  shorten_tests 4
   start_server
   during_test 2 kill -STOP "$server_process"
 
@@ -88,6 +90,7 @@ SaysThatTheServerWasFrozenInTheReadTest() {
 }
 
 SaysThatTheServerWasKilledInTheWriteTest() {
+  shorten_tests 4
   start_server
   during_test 1 kill -KILL "$server_process"
 
@@ -95,6 +98,7 @@ SaysThatTheServerWasKilledInTheWriteTest() {
 }
 
 SaysThatTheServerWasKilledInTheReadTest() {
+  shorten_tests 4
   start_server
   during_test 2 kill -KILL "$server_process"
 
@@ -118,6 +122,7 @@ SaysThatTheCableWasCutForSeconds() {
 
 # And here one over all the time up to the limit.
 SaysThatTheCableWasCutForGood() {
+  shorten_tests 4
   start_server
   during_test 2 ip link set cable down
 
@@ -125,6 +130,7 @@ SaysThatTheCableWasCutForGood() {
 }
 
 SaysThatTheCableWasCutForGoodInTheWriteTest() {
+  shorten_tests 4
   start_server
   during_test 1 ip link set cable down
 

@@ -118,8 +118,9 @@ start_up_to_gate() {
   wait_until_begun
 }
 
+# The one who said so before may not have closed the FIFO yet: then there is nothing to read.
 wait_until_begun() {
-  read -r _ </tmp/fake/begun
+  until read -r _ </tmp/fake/begun; do :; done
 }
 
 open_gate() {

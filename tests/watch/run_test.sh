@@ -30,6 +30,8 @@ sed "s/\"timesecs\":.*/\"timesecs\": $(date +%s)/" "/tmp/fake/$report"
 END_OF_FAKE
   cp /tmp/bin/iperf3 "$installation/iperf3"
   make_gate
+  # For the scripts of terminal.py.
+  replace wait_until_begun <<<'until read -r _ </tmp/fake/begun; do :; done'
 }
 
 # Each of the tests named has its tool wait at the gate.
@@ -99,11 +101,11 @@ status: 0
 SCREENS
 wait █
 shot
-do read -r _ </tmp/fake/begun; echo >/tmp/fake/gate
-do read -r _ </tmp/fake/begun
+do wait_until_begun; echo >/tmp/fake/gate
+do wait_until_begun
 wait write
 shot
-do echo >/tmp/fake/gate; read -r _ </tmp/fake/begun
+do echo >/tmp/fake/gate; wait_until_begun
 wait read
 shot
 do echo >/tmp/fake/gate
@@ -127,7 +129,7 @@ KeepsToTheWidthOfTheTerminal() {
 ok in # s
 status: 0
 SCREENS
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 wait write
 shot
 resize 40
@@ -184,7 +186,7 @@ HasNoColoursWhereNoneAreWanted() {
   local colour=$'\x1b\\[[0-9;]*m'
   export TERMINAL_BYTES=/tmp/fake/bytes
   wait_in write
-  local script='do read -r _ </tmp/fake/begun
+  local script='do wait_until_begun
 wait write
 type ^C
 end'
@@ -200,7 +202,7 @@ ShowsTheGoingTestOnStandardErrorAlone() {
   wait_in write
 
   on_terminal 80 sh -c 'exec "$0" run 192.0.2.10 >/tmp/fake/console' "$prefix/bin/connWatch" <<'SCRIPT'
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 wait write
 shot
 do echo >/tmp/fake/gate
@@ -224,7 +226,7 @@ expect_ended() {
 ${3:+$3
 }signal: SIG$4
 SCREENS
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 wait $1
 $2
 end
@@ -396,7 +398,7 @@ LeavesOutARunBesideAnother() {
   wait_in write
   start guarded_run 192.0.2.10
   wait_until_begun
-  wait_until test -s "$logs/run-latest.log"
+  wait_until grep -q '^round-trip' "$logs/run-latest.log"
   cp "$logs/run-latest.log" /tmp/fake/log
 
   status=0
@@ -616,7 +618,7 @@ connWatch: cannot write $logs/run-latest.log: Is a directory
 ended by ^C in write test, after # s
 signal: SIGINT
 SCREENS
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 type ^C
 end
 SCRIPT
@@ -627,7 +629,7 @@ RewritesNothingInTheBackground() {
   wait_in write
 
   on_terminal 80 sh -c 'set -m; "$0" run 192.0.2.10 & wait $!' "$prefix/bin/connWatch" <<'SCRIPT'
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 wait ping
 shot
 do echo >/tmp/fake/gate
@@ -659,7 +661,7 @@ FitsANarrowTerminalWithoutUtf8() {
 ok in # s
 status: 0
 SCREENS
-do read -r _ </tmp/fake/begun
+do wait_until_begun
 wait write
 shot
 do echo >/tmp/fake/gate
