@@ -619,6 +619,7 @@ ended by ^C in write test, after # s
 signal: SIGINT
 SCREENS
 do wait_until_begun
+wait write
 type ^C
 end
 SCRIPT
