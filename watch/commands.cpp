@@ -4,6 +4,7 @@
 #include "evidence/text.h"
 #include "figures/period.h"
 #include "figures/usual.h"
+#include "journal/journal.h"
 #include "runs/join.h"
 #include "views/export.h"
 #include "views/list.h"
@@ -24,6 +25,12 @@ namespace watch {
 
 namespace {
 
+/// A log directory. Only in the user's own is the journal written.
+struct Place {
+  LogDirectory directory;
+  bool isOwn;
+};
+
 /// A log directory, what was read there and the runs.
 struct Reading {
   LogDirectory directory;
@@ -31,18 +38,18 @@ struct Reading {
   std::vector<Run> runs;
 };
 
-LogDirectory userDirectory() {
+Place userPlace() {
   if (const auto own = ownDirectory()) {
-    return *own;
+    return {*own, true};
   }
   throw UsageError("HOME is not set: say with --from DIR which log directory to read");
 }
 
-LogDirectory directoryOf(const Selection& selection) {
+Place placeOf(const Selection& selection) {
   if (selection.from.size() > 1) {
     throw UsageError("only summary reads several log directories: give --from DIR once");
   }
-  return selection.from.empty() ? userDirectory() : LogDirectory(selection.from.front());
+  return selection.from.empty() ? userPlace() : Place{LogDirectory(selection.from.front()), false};
 }
 
 /// Names what could not be read, a few of many.
@@ -58,16 +65,25 @@ void printTroubles(const Troubles& troubles) {
   }
 }
 
-Reading read(LogDirectory directory, EpochSeconds now) {
-  Reading reading{std::move(directory), {}, {}};
-  reading.evidence = readEvidence(reading.directory);
+/// Reads by `readIt`, and once more when the journal has got the latest run by that.
+template <class Read>
+Reading readAndKeep(const Place& place, EpochSeconds now, Read readIt) {
+  Reading reading{place.directory, readIt(place.directory), {}};
   reading.runs = joinRuns(reading.evidence, now);
+  if (place.isOwn && keepLatestReports(place.directory, reading.evidence, reading.runs)) {
+    reading.evidence = readIt(place.directory);
+    reading.runs = joinRuns(reading.evidence, now);
+  }
   return reading;
 }
 
+Reading read(const Place& place, EpochSeconds now) {
+  return readAndKeep(place, now, readEvidence);
+}
+
 /// The same without a run that is going on, of which nothing can be said yet.
-Reading readEnded(LogDirectory directory, EpochSeconds now) {
-  Reading reading = read(std::move(directory), now);
+Reading readEnded(const Place& place, EpochSeconds now) {
+  Reading reading = read(place, now);
   std::erase_if(reading.runs, [](const Run& run) { return run.ongoing; });
   return reading;
 }
@@ -98,13 +114,14 @@ bool lacksFile(std::span<const Run> runs, EpochSeconds since) {
 }
 
 /// Reads the files whose names are of the period, and all when one seems to have another name.
-Reading readPeriod(const LogDirectory& directory, const Period& period, EpochSeconds now) {
+Reading readPeriod(const Place& place, const Period& period, EpochSeconds now) {
   if (!period.since) {
-    return read(directory, now);
+    return read(place, now);
   }
-  Reading reading{directory, readEvidenceSince(directory, localTime(*period.since)), {}};
-  reading.runs = joinRuns(reading.evidence, now);
-  return lacksFile(reading.runs, *period.since) ? read(directory, now) : reading;
+  Reading reading = readAndKeep(place, now, [&](const LogDirectory& directory) {
+    return readEvidenceSince(directory, localTime(*period.since));
+  });
+  return lacksFile(reading.runs, *period.since) ? read(place, now) : reading;
 }
 
 int sayNoRuns(const LogDirectory& directory, const Period& period) {
@@ -167,17 +184,17 @@ int sayNoSuchRun(std::span<const Run> runs, const std::string& wanted) {
   return kNothingToRead;
 }
 
-int summarise(const LogDirectory& directory, const Selection& selection, EpochSeconds now,
+int summarise(const Place& place, const Selection& selection, EpochSeconds now,
               const Style& style) {
-  Reading reading = readEnded(directory, now);
+  Reading reading = readEnded(place, now);
   printTroubles(reading.evidence.troubles);
   if (selection.from.size() > 1) {
-    print(paint(style, Tone::strong, directory.path().string()) + "\n");
+    print(paint(style, Tone::strong, place.directory.path().string()) + "\n");
   }
   Period period = selection.period;
   std::vector<Run> runs = runsIn(std::move(reading.runs), period);
   if (runs.empty()) {
-    return sayNoRuns(directory, period);
+    return sayNoRuns(place.directory, period);
   }
   if (const auto last = lastTime(runs); last && !period.since) {
     period.since = *last - kUsualPeriod;
@@ -189,7 +206,7 @@ int summarise(const LogDirectory& directory, const Selection& selection, EpochSe
 }  // namespace
 
 int list(const Selection& selection, EpochSeconds now) {
-  Reading reading = readPeriod(directoryOf(selection), selection.period, now);
+  Reading reading = readPeriod(placeOf(selection), selection.period, now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
   if (runs.empty()) {
@@ -200,7 +217,7 @@ int list(const Selection& selection, EpochSeconds now) {
 }
 
 int show(const Selection& selection, const std::string& wanted, EpochSeconds now) {
-  const Reading reading = read(directoryOf(selection), now);
+  const Reading reading = read(placeOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(reading.runs, selection.period);
   if (runs.empty()) {
@@ -218,20 +235,20 @@ int show(const Selection& selection, const std::string& wanted, EpochSeconds now
 int summary(const Selection& selection, EpochSeconds now) {
   const Style style = styleOfStandardOutput();
   if (selection.from.empty()) {
-    return summarise(userDirectory(), selection, now, style);
+    return summarise(userPlace(), selection, now, style);
   }
   int status = kDone;
   for (const std::filesystem::path& path : selection.from) {
     if (&path != &selection.from.front()) {
       print("\n");
     }
-    status = std::max(status, summarise(LogDirectory(path), selection, now, style));
+    status = std::max(status, summarise({LogDirectory(path), false}, selection, now, style));
   }
   return status;
 }
 
 int check(const Selection& selection, const Limits& limits, EpochSeconds now) {
-  const Reading reading = readEnded(directoryOf(selection), now);
+  const Reading reading = readEnded(placeOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(reading.runs, selection.period);
   if (runs.empty()) {
@@ -246,7 +263,7 @@ int exportRuns(const Selection& selection, const ExportRequest& request, EpochSe
   if (request.format == "sqlite" && !request.output) {
     throw UsageError("a database goes to a file: say --output FILE");
   }
-  Reading reading = readEnded(directoryOf(selection), now);
+  Reading reading = readEnded(placeOf(selection), now);
   printTroubles(reading.evidence.troubles);
   const std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
   if (runs.empty()) {

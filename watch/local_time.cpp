@@ -136,4 +136,27 @@ std::string isoUtc(EpochSeconds moment) {
                      c.minute, c.second);
 }
 
+std::optional<EpochSeconds> parseIsoLocal(std::string_view text) {
+  constexpr std::string_view kShape = "0000-00-00T00:00:00+00:00";
+  if (text.size() != kShape.size()) {
+    return std::nullopt;
+  }
+  std::string stamp;
+  for (std::size_t i = 0; i < 19; ++i) {
+    if (kShape[i] == '0' || kShape[i] == 'T') {
+      stamp += text[i];
+    } else if (text[i] != kShape[i]) {
+      return std::nullopt;
+    }
+  }
+  const auto local = parseStamp(stamp);
+  const auto hours = digits(text, 20, 2);
+  const auto minutes = digits(text, 23, 2);
+  if (!local || !hours || !minutes || text[22] != ':' || (text[19] != '+' && text[19] != '-')) {
+    return std::nullopt;
+  }
+  const std::int64_t offset = *hours * kHourSeconds + *minutes * kMinuteSeconds;
+  return local->seconds - (text[19] == '-' ? -offset : offset);
+}
+
 }  // namespace watch

@@ -63,5 +63,7 @@ LocalTime fromCalendar(const Calendar& calendar);
 /// "2026-11-21T05:01:12+01:00", and "2026-11-21T04:01:12Z".
 std::string isoLocal(EpochSeconds moment);
 std::string isoUtc(EpochSeconds moment);
+/// Reads what isoLocal() has written, and nothing else.
+std::optional<EpochSeconds> parseIsoLocal(std::string_view text);
 
 }  // namespace watch

@@ -3,14 +3,16 @@
 #include "evidence/ping_output.h"
 #include "promise.h"
 
+#include <algorithm>
+
 namespace {
 
 void requireSound(const watch::PingOutput& output) {
   require(output.from.first <= output.from.last, "a block has lines");
-  require(output.replies <= output.from.last - output.from.first, "a reply has a line of its own");
-  require(output.replies == 0 || (output.leastMs >= 0 && output.leastMs <= output.greatestMs &&
-                                  output.greatestMs <= output.sumMs),
-          "times are in order");
+  require(output.replies.size() <= output.from.last - output.from.first,
+          "a reply has a line of its own");
+  require(std::ranges::all_of(output.replies, [](double ms) { return ms >= 0; }),
+          "no reply comes before it is asked for");
   require(!output.sent || output.received, "what was sent was received");
   require(!output.summaryIsWhole || (output.summaryIsRead && output.summary),
           "a whole summary is there");

@@ -18,16 +18,23 @@ for line in sys.stdin:
     print(f"{run['\''class'\'']}: {run['\''reason'\'']}; {'\'', '\''.join(states)}")'
 }
 
+# What is not the same in the journals of two such runs: moments, and how many figures there are.
+same_journal='
+  s/"(start|end)":"[^"]*[+-][0-9:]{5}"/"\1":"MOMENT"/g
+  s/"(times_ms|rtt_ms)":\[[^]]*\]/"\1":[...]/g
+  s/"retransmits":[0-9]+/"retransmits":N/g'
+
 # Prints all that a run has come to: what it says, its status, what it leaves in the log directory, and
 # what the next command reads there.
 print_guarded_run() {
   print_masked says /tmp/fake/console | sed "$same_error"
   print_masked complains /tmp/fake/errors
   echo "status: $status"
-  (cd "$logs" && find . -type f -printf '%P\n' | sort)
+  (cd "$logs" && find . -type f -printf '%P\n' | sed 's/^runs-[0-9]*/runs-YYYY/' | sort)
   if [[ -e $logs/connection_test_results.txt ]]; then
     mask "$logs/connection_test_results.txt"
   fi
+  cat "$logs"/runs-*.jsonl 2>/dev/null | sed -E "$same_journal" | print_masked journal /dev/stdin | sed "$same_error"
   print_what_is_read | print_masked 'is read as' /dev/stdin | sed "$same_error"
 }
 

@@ -86,14 +86,14 @@ ShowsEachTestAsItGoes() {
   expect_screens 80 192.0.2.10 9<<'SCREENS' <<'SCRIPT'
   ping    █                                         # s left   ^C stops
 --
-  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▄█
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▅█
   write   ━  # s left   ^C stops
 --
-  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▄█
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▅█
   write   911.8 Mbit/s
   read    ━  # s left   ^C stops
 --
-  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▄█
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▅█
   write   911.8 Mbit/s
   read    1255.2 Mbit/s
 ok in # s
@@ -117,7 +117,7 @@ KeepsToTheWidthOfTheTerminal() {
   wait_in write
 
   expect_screens 80 192.0.2.10 9<<'SCREENS' <<'SCRIPT'
-  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▄█
+  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▅█
   write   ━  # s left   ^C stops
 --
   ping    6.2 / 9.3 / 12.4 ms   2 of 2
@@ -233,7 +233,7 @@ end
 SCRIPT
 }
 
-ping_row='  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▄█'
+ping_row='  ping    6.2 / 9.3 / 12.4 ms   2 of 2   ▅█'
 
 EndsByTheKeyInEachTest() {
   expect_ended ping 'type ^C' 'ended by ^C in ping, after # s' INT

@@ -44,8 +44,9 @@ std::optional<double> replyTime(const std::string& output) {
   eachLine(output, [&reader](std::string_view line, std::uint32_t number) {
     reader.take(line, 0, number);
   });
-  return !outputs.empty() && outputs.front().replies > 0 ? std::optional(outputs.front().leastMs)
-                                                         : std::nullopt;
+  return !outputs.empty() && !outputs.front().replies.empty()
+             ? std::optional(std::ranges::min(outputs.front().replies))
+             : std::nullopt;
 }
 
 Finding ping(const Workstation& workstation) {

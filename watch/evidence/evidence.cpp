@@ -1,6 +1,7 @@
 #include "evidence/evidence.h"
 
 #include "evidence/file_order.h"
+#include "evidence/journal_reader.h"
 #include "evidence/run_lock.h"
 
 #include <algorithm>
@@ -131,6 +132,7 @@ class HistoryReader {
         last = &part;
       }
     }
+    lines.lacksFiles = lacksFiles_;
     return lines;
   }
 
@@ -158,7 +160,9 @@ class HistoryReader {
   }
 
   std::optional<Part<Line>> readPart(const Archived& from) {
+    const std::size_t troublesBefore = evidence_.troubles.size();
     const std::optional<std::string> text = directory_.read(from.name, evidence_.troubles);
+    lacksFiles_ = lacksFiles_ || evidence_.troubles.size() > troublesBefore;
     if (!text) {
       return std::nullopt;
     }
@@ -198,6 +202,7 @@ class HistoryReader {
   const LogDirectory& directory_;
   const Format<Line>& format_;
   Evidence& evidence_;
+  bool lacksFiles_ = false;
 };
 
 void readHistories(const LogDirectory& directory, const Listing& listing, Evidence& evidence) {
@@ -265,11 +270,14 @@ Evidence readOnce(const LogDirectory& directory, const Listing& listing,
                   std::optional<LocalTime> since) {
   Evidence evidence;
   readHistories(directory, listing, evidence);
+  std::optional<std::size_t> count;
   if (since) {
-    readLastOutputs(directory, evidence.pings.all.size() + evidence.results.all.size(), evidence);
+    count = evidence.pings.all.size() + evidence.results.all.size();
+    readLastOutputs(directory, *count, evidence);
   } else {
     readOutputs(directory, evidence);
   }
+  evidence.journal = readJournal(directory, count, evidence.files, evidence.troubles);
   evidence.forwardReport = readReport(directory, kForwardFiles.report, evidence.troubles);
   evidence.reverseReport = readReport(directory, kReverseFiles.report, evidence.troubles);
   return evidence;

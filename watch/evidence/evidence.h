@@ -4,6 +4,7 @@
 
 #include "evidence/iperf3_line.h"
 #include "evidence/iperf3_report.h"
+#include "evidence/journal_line.h"
 #include "evidence/log_directory.h"
 #include "evidence/ping_line.h"
 #include "evidence/ping_output.h"
@@ -28,6 +29,8 @@ template <class Line>
 struct Lines {
   std::vector<Line> all;
   std::vector<Filled> filled;
+  /// A file of it could not be read.
+  bool lacksFiles = false;
 };
 
 struct Evidence {
@@ -40,6 +43,8 @@ struct Evidence {
   std::vector<PingOutput> outputs;
   /// Whether the log of all ping outputs is there at all.
   bool keepsOutputs = false;
+  /// In the order in which they were written, each run's once.
+  std::vector<JournalLine> journal;
   /// The latest reports, where they can be read.
   std::optional<Iperf3Report> forwardReport;
   std::optional<Iperf3Report> reverseReport;
@@ -52,8 +57,8 @@ struct Evidence {
 /// since a wrong clock misnames them. When the archive changes meanwhile, reads again.
 Evidence readEvidence(const LogDirectory& directory);
 
-/// The same for what was written since then and shortly before. The sources of `outputs` have no
-/// line numbers: the log of outputs is read from its end.
+/// The same for what was written since then and shortly before. The sources of `outputs` and
+/// of `journal` have no line numbers: these files are read from their ends.
 Evidence readEvidenceSince(const LogDirectory& directory, LocalTime since);
 
 }  // namespace watch

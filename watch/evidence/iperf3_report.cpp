@@ -1,59 +1,76 @@
 #include "evidence/iperf3_report.h"
 
-#include "evidence/text.h"
-
-#include <rapidjson/document.h>
-#include <rapidjson/pointer.h>
+#include "evidence/json.h"
 
 namespace watch {
 
 namespace {
 
-using rapidjson::Value;
-
-const Value* at(const Value& value, const char* pointer) {
-  return rapidjson::Pointer(pointer).Get(value);
+double secondsWithoutAByte(const Json& intervals) {
+  double seconds = 0;
+  for (const Json& interval : intervals.elements()) {
+    const Json sum = interval["sum"];
+    if (sum["bytes"].number() == 0.0) {
+      seconds += sum["seconds"].number().value_or(0);
+    }
+  }
+  return seconds;
 }
 
-std::uint32_t countEmptyIntervals(const Value& report) {
-  const Value* const intervals = at(report, "/intervals");
-  if (intervals == nullptr || !intervals->IsArray()) {
-    return 0;
+/// A receiver knows none, and reports none or zeros. The report has microseconds.
+std::optional<LoadedRoundTrips> roundTripsOf(const Json& sender) {
+  constexpr double kMicroseconds = 1000;
+  const auto least = sender["min_rtt"].number();
+  const auto mean = sender["mean_rtt"].number();
+  const auto most = sender["max_rtt"].number();
+  if (!least || !mean || !most || *most <= 0) {
+    return std::nullopt;
   }
-  std::uint32_t count = 0;
-  for (const Value& interval : intervals->GetArray()) {
-    const Value* const bytes = at(interval, "/sum/bytes");
-    count += bytes != nullptr && bytes->IsNumber() && bytes->GetDouble() == 0 ? 1 : 0;
-  }
-  return count;
+  return LoadedRoundTrips{*least / kMicroseconds, *mean / kMicroseconds, *most / kMicroseconds};
+}
+
+/// Of the end that it has not heard of, iperf3 reports 0.
+std::optional<double> rateOf(const Json& sum) {
+  const auto bps = sum["bits_per_second"].number();
+  return bps > 0.0 ? bps : std::nullopt;
+}
+
+/// "iperf 3.12" has the release behind its blank.
+std::string releaseOf(const std::string& version) {
+  return version.substr(version.find(' ') + 1);
 }
 
 }  // namespace
 
+bool Iperf3Report::wasStopped() const {
+  constexpr double kOddEnd = 0.5;
+  return !error.empty() || emptySeconds > kOddEnd;
+}
+
 std::optional<Iperf3Report> parseIperf3Report(std::string_view text) {
-  // RapidJSON would take a NUL for the end.
-  if (text.find('\0') != std::string_view::npos) {
-    return std::nullopt;
-  }
   rapidjson::Document document;
-  // Without recursion: the depth of a report is its writer's.
-  document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
-  if (document.HasParseError() || !document.IsObject()) {
+  const Json json = parseObject(text, document);
+  if (!json.isThere()) {
     return std::nullopt;
   }
+  const Json start = json["start"];
+  const Json connection = start["connected"].first();
+  const Json sent = json["end"]["sum_sent"];
+  const Json received = json["end"]["sum_received"];
+  const bool isReverse = start["test_start"]["reverse"].integer() == 1;
   Iperf3Report report;
-  if (const Value* const start = at(document, "/start/timestamp/timesecs");
-      start != nullptr && start->IsInt64()) {
-    report.start = start->GetInt64();
-  }
-  if (const Value* const port = at(document, "/start/connected/0/local_port");
-      port != nullptr && port->IsUint() && port->GetUint() <= UINT16_MAX) {
-    report.clientPort = static_cast<std::uint16_t>(port->GetUint());
-  }
-  if (const Value* const error = at(document, "/error"); error != nullptr && error->IsString()) {
-    report.error = printable({error->GetString(), error->GetStringLength()});
-  }
-  report.emptyIntervals = countEmptyIntervals(document);
+  report.release = releaseOf(start["version"].text());
+  report.start = start["timestamp"]["timesecs"].integer();
+  report.clientPort = connection["local_port"].count<std::uint16_t>().value_or(0);
+  report.serverPort = connection["remote_port"].count<std::uint16_t>().value_or(0);
+  report.bytes = (isReverse ? received : sent)["bytes"].count<std::uint64_t>();
+  report.seconds = (isReverse ? received : sent)["seconds"].number();
+  report.sentBps = rateOf(sent);
+  report.receivedBps = rateOf(received);
+  report.retransmits = sent["retransmits"].count<std::uint64_t>();
+  report.roundTrips = roundTripsOf(json["end"]["streams"].first()["sender"]);
+  report.emptySeconds = secondsWithoutAByte(json["intervals"]);
+  report.error = json["error"].text();
   return report;
 }
 

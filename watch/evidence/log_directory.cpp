@@ -1,6 +1,7 @@
 #include "evidence/log_directory.h"
 
 #include "evidence/text.h"
+#include "files.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -118,6 +119,17 @@ std::string_view stampTextOf(std::string_view name, std::size_t kind) {
   return name;
 }
 
+/// Whether `name` is "runs-YYYY.jsonl".
+bool isJournal(std::string_view name) {
+  constexpr std::size_t kYearDigits = 4;
+  if (!name.starts_with(kJournalBegin) || !name.ends_with(kJournalEnd) ||
+      name.size() != kJournalBegin.size() + kYearDigits + kJournalEnd.size()) {
+    return false;
+  }
+  const std::string_view year = name.substr(kJournalBegin.size(), kYearDigits);
+  return year.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 /// The names of a history's archived files. Of those that were full before `since`, the newest two
 /// alone: what is wanted may begin in the middle of one, and a wrong clock may have misnamed
 /// another.
@@ -174,6 +186,18 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
     listing.of[kind] = std::move(names[kind]).sorted(kind);
   }
   return listing;
+}
+
+std::vector<std::string> LogDirectory::journals() const {
+  std::vector<std::string> names;
+  std::error_code unreadable;
+  for (const auto& entry : std::filesystem::directory_iterator(path_, unreadable)) {
+    if (std::string name = entry.path().filename().string(); isJournal(name)) {
+      names.push_back(std::move(name));
+    }
+  }
+  std::ranges::sort(names);
+  return names;
 }
 
 bool LogDirectory::archiveRestsSince(std::filesystem::file_time_type moment) const {

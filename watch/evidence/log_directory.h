@@ -48,6 +48,9 @@ class LogDirectory {
   /// but for the newest two of each history.
   Listing list(std::optional<LocalTime> since, Troubles& troubles) const;
 
+  /// The files of the journal, in the order of their years.
+  std::vector<std::string> journals() const;
+
   /// Whether nothing has moved to the archive in the second before `moment` nor since.
   bool archiveRestsSince(std::filesystem::file_time_type moment) const;
 

@@ -2,8 +2,6 @@
 
 #include "evidence/text.h"
 
-#include <algorithm>
-#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -12,15 +10,9 @@ namespace watch {
 namespace {
 
 constexpr std::string_view kHeader = "PING ";
+/// Stands before the figures of a summary.
+constexpr std::string_view kSummaryFigures = "= ";
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-
-void addReply(PingOutput& output, double ms) {
-  output.leastMs = output.replies == 0 ? ms : std::min(output.leastMs, ms);
-  output.greatestMs = std::max(output.greatestMs, ms);
-  output.sumMs += ms;
-  ++output.replies;
-  output.fingerprint = output.fingerprint * 1099511628211ULL + std::bit_cast<std::uint64_t>(ms);
-}
 
 /// Takes "64 bytes from 192.0.2.10: icmp_seq=1 ttl=57 time=13.9 ms". A duplicate is no reply, and
 /// neither is a line that was cut: its time may be. Returns whether the line ends there.
@@ -35,7 +27,7 @@ bool takeReply(PingOutput& output, std::string_view line) {
   const auto ms = takeNumber<double>(rest);
   if (ms && std::isfinite(*ms) && *ms >= 0 && rest.starts_with(kUnit) &&
       rest.find("(DUP!)") == std::string_view::npos) {
-    addReply(output, *ms);
+    output.replies.push_back(*ms);
   }
   return rest == kUnit;
 }
@@ -55,17 +47,28 @@ void takeStatistics(PingOutput& output, std::string_view line) {
   }
 }
 
-/// Takes "round-trip min/avg/max/stddev = 13.4/13.9/14.4/0.3 ms", and what other pings write.
-void takeSummary(PingOutput& output, std::string_view line) {
-  const std::size_t equals = line.find("= ");
-  if (equals == std::string_view::npos ||
-      !(line.starts_with("round-trip") || line.starts_with("rtt "))) {
-    return;
-  }
+/// Returns where in `line` an output begins that follows on what was cut, or npos.
+std::size_t findHeaderBehind(std::string_view line) {
+  const std::size_t place = line.rfind(kHeader);
+  return place != 0 && place != std::string_view::npos &&
+                 line.find('(', place) != std::string_view::npos
+             ? place
+             : std::string_view::npos;
+}
+
+}  // namespace
+
+bool isPingSummary(std::string_view line) {
+  return (line.starts_with("round-trip") || line.starts_with("rtt ")) &&
+         line.find(kSummaryFigures) != std::string_view::npos;
+}
+
+/// "round-trip min/avg/max/stddev = 13.4/13.9/14.4/0.3 ms", and what other pings write.
+void takePingSummary(std::string_view line, PingOutput& output) {
   double numbers[4] = {kNone, kNone, kNone, kNone};
   std::size_t count = 0;
   bool lastIsWhole = false;
-  std::string_view rest = line.substr(equals + 2);
+  std::string_view rest = line.substr(line.find(kSummaryFigures) + kSummaryFigures.size());
   while (count < std::size(numbers)) {
     const auto number = takeNumber<double>(rest);
     if (!number) {
@@ -81,17 +84,6 @@ void takeSummary(PingOutput& output, std::string_view line) {
     output.summary = PingSummary{numbers[0], numbers[1], numbers[2], numbers[3]};
   }
 }
-
-/// Returns where in `line` an output begins that follows on what was cut, or npos.
-std::size_t findHeaderBehind(std::string_view line) {
-  const std::size_t place = line.rfind(kHeader);
-  return place != 0 && place != std::string_view::npos &&
-                 line.find('(', place) != std::string_view::npos
-             ? place
-             : std::string_view::npos;
-}
-
-}  // namespace
 
 void PingOutputReader::begin(std::string_view header, std::uint32_t file, std::uint32_t number) {
   header.remove_prefix(kHeader.size());
@@ -110,7 +102,9 @@ void PingOutputReader::take(std::string_view line, std::uint32_t file, std::uint
       return;
     }
     takeStatistics(output, line);
-    takeSummary(output, line);
+    if (isPingSummary(line)) {
+      takePingSummary(line, output);
+    }
   }
   const std::size_t place = findHeaderBehind(line);
   if (begins) {

@@ -30,15 +30,15 @@ struct PingOutput {
   /// numbers there.
   bool summaryIsRead = false;
   bool summaryIsWhole = false;
-  /// Replies, without duplicates: how many, and the sum of their times in milliseconds.
-  std::uint32_t replies = 0;
-  double leastMs = 0;
-  double greatestMs = 0;
-  double sumMs = 0;
-  /// The same for the same times in the same order.
-  std::uint64_t fingerprint = 0;
+  /// The times of the replies, without duplicates, in milliseconds.
+  std::vector<double> replies;
   Source from;
 };
+
+/// Whether `line` is the summary of the round-trip times, in whatever form a ping prints it.
+bool isPingSummary(std::string_view line);
+/// Takes what the summary `line` tells into `output`.
+void takePingSummary(std::string_view line, PingOutput& output);
 
 /// Puts the blocks together from the log's lines, which are given one after the other.
 class PingOutputReader {

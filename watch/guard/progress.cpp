@@ -32,15 +32,6 @@ void Progress::advance(Step step) {
   step_ = std::max(step_, step);
 }
 
-void Progress::takePing(std::string_view line) {
-  const std::uint32_t count = outputs_.empty() ? 0 : outputs_.back().replies;
-  const double sum = outputs_.empty() ? 0 : outputs_.back().sumMs;
-  reader_.take(line, kNoFile, 0);
-  if (!outputs_.empty() && outputs_.back().replies > count) {
-    replies_.push_back(outputs_.back().sumMs - sum);
-  }
-}
-
 /// The write test may have begun unseen: what iperf3 says before the read test is of that.
 void Progress::takeComplaint(std::string_view line) {
   for (const auto& [beginning, isPing] : kComplaints) {
@@ -57,7 +48,7 @@ void Progress::take(std::string_view line) {
   if (line.starts_with(kPingBegins)) {
     advance(Step::ping);
   } else if (step_ == Step::ping && !line.starts_with(kReportIsRead)) {
-    takePing(line);
+    reader_.take(line, kNoFile, 0);
   }
   takeComplaint(line);
   // The tester prints the count when the line of the write test is in its history, and what it has

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,7 +25,9 @@ class Progress {
   /// The tester itself runs: the start command has not refused.
   bool hasStarted() const { return hasStarted_; }
   /// The times of the replies so far, in milliseconds.
-  const std::vector<double>& replies() const { return replies_; }
+  std::span<const double> replies() const {
+    return outputs_.empty() ? std::span<const double>() : outputs_.back().replies;
+  }
   /// What ping has printed so far; null when that is nothing.
   const PingOutput* pingOutput() const { return outputs_.empty() ? nullptr : &outputs_.back(); }
 
@@ -41,7 +44,6 @@ class Progress {
 
  private:
   void advance(Step step);
-  void takePing(std::string_view line);
   void takeComplaint(std::string_view line);
 
   Step step_ = Step::start;
@@ -49,7 +51,6 @@ class Progress {
   bool writeReportIsRead_ = false;
   std::vector<PingOutput> outputs_;
   PingOutputReader reader_{outputs_};
-  std::vector<double> replies_;
   std::array<std::string, static_cast<std::size_t>(Step::end) + 1> complaints_;
 };
 

@@ -8,6 +8,8 @@
 #include "guard/signals.h"
 #include "guard/tester_output.h"
 #include "guard/tester_process.h"
+#include "journal/journal.h"
+#include "journal/latest_reports.h"
 #include "log_files.h"
 #include "run_state.h"
 #include "runs/join.h"
@@ -47,21 +49,13 @@ double secondsSince(Clock::time_point then) {
 }
 
 /// Settings that the tester does not take are for it to complain of.
-Plan planOfSettings() {
+std::optional<Configuration> readSettings() {
   try {
     readConfigFile();
   } catch (const std::logic_error&) {
-    return planOf(Configuration{});
+    return std::nullopt;
   }
-  return planOf(ConfigurationParameters);
-}
-
-/// When the report of the write test was made, which the shell does as the test begins.
-std::filesystem::file_time_type reportTime(const LogDirectory& directory) {
-  std::error_code missing;
-  const auto time =
-      std::filesystem::last_write_time(directory.path() / kForwardFiles.report, missing);
-  return missing ? std::filesystem::file_time_type::min() : time;
+  return ConfigurationParameters;
 }
 
 /// The runs of the time in which something is usual, and later. More is not read: it takes the
@@ -91,15 +85,15 @@ std::string placeIn(Step step) {
              : fmt::format(" in {}{}", name(step), step == Step::ping ? "" : " test");
 }
 
-/// Why a run has not come to its end, by the status of the start command.
-std::string abnormalEnd(int status, Step step) {
+/// How a run has not come to its end, by the status of the start command.
+std::string describeStatus(int status, Step step) {
   if (status == 0) {
     return "";
   }
   const std::string how = status > kDiedBySignal
                               ? fmt::format("by signal {}", status - kDiedBySignal)
                               : fmt::format("with status {}", status);
-  return fmt::format(": ended {}{}", how, placeIn(step));
+  return fmt::format("ended {}{}", how, placeIn(step));
 }
 
 LogDirectory directoryOfRun() {
@@ -113,10 +107,12 @@ class GuardedRun {
  public:
   explicit GuardedRun(const RunRequest& request)
       : directory_(directoryOfRun()),
-        plan_(planOfSettings()),
+        address_(request.address.value_or("")),
+        settings_(readSettings()),
+        plan_(planOf(settings_.value_or(Configuration()))),
         start_(currentTime()),
         before_(recentRuns(directory_, start_)),
-        oldReport_(reportTime(directory_)),
+        oldFiles_(timesOfLatest(directory_)),
         style_(styleOf(STDOUT_FILENO)),
         isLive_(styleOf(STDERR_FILENO).canRewrite && !request.hasTrace),
         output_(directory_.path(), request.hasTrace) {}
@@ -151,7 +147,7 @@ class GuardedRun {
 
   void listen(TesterProcess& tester) {
     const Step before = progress_.step();
-    const bool isNewReport = before < Step::write && reportTime(directory_) != oldReport_;
+    const bool isNewReport = before < Step::write && latestOfRun()[kWriteReport];
     // What ping has printed was there before that report.
     output_.take(tester.read(), progress_);
     if (isNewReport) {
@@ -160,6 +156,16 @@ class GuardedRun {
     if (progress_.step() != before) {
       stepStart_ = Clock::now();
     }
+  }
+
+  /// A file that has changed since the start: the shell makes a report anew as its test begins.
+  LatestOfRun latestOfRun() const {
+    const LatestTimes now = timesOfLatest(directory_);
+    LatestOfRun isOfRun{};
+    for (std::size_t i = 0; i < now.size(); ++i) {
+      isOfRun[i] = now[i] && now[i] != oldFiles_[i];
+    }
+    return isOfRun;
   }
 
   void show() {
@@ -240,9 +246,55 @@ class GuardedRun {
                : run.ping;
   }
 
+  /// Keeps of the run what the next one overwrites. `run` is what its lines tell.
+  void keep(const std::optional<Run>& run, const std::string& end) const {
+    JournalLine line = readLatestReports(directory_, latestOfRun());
+    line.start = start_;
+    line.end = currentTime();
+    line.ended = end.empty() ? "finished" : end;
+    line.address = address_;
+    line.settings = settings_;
+    // A file that a run was to write as it was ended may lack what was seen.
+    if (progress_.pingOutput() != nullptr && !line.ping) {
+      line.ping.emplace().output = *progress_.pingOutput();
+    }
+    addTo(line.ping, progress_.complaint(Step::ping));
+    addTo(line.write, progress_.complaint(Step::write));
+    addTo(line.read, progress_.complaint(Step::read));
+    if (line.ping && run && run->timeSource == TimeSource::ping) {
+      line.ping->start = localTime(*run->time);
+    }
+    try {
+      appendToJournal(directory_, line, start_);
+    } catch (const std::system_error& error) {
+      print(stderr, fmt::format("connWatch: {}\n", error.what()));
+    }
+  }
+
+  template <class Tool>
+  static void addTo(std::optional<Tool>& tool, const std::string& said) {
+    if (!said.empty()) {
+      tool = tool.value_or(Tool());
+      tool->said = said;
+    }
+  }
+
+  /// "ended by ^C in ping", or empty.
+  std::string abnormalEnd(int status) const {
+    if (const int signal = signalThatCame(); signal != 0) {
+      return fmt::format("ended by {}{}", describeSignal(signal), placeIn(progress_.step()));
+    }
+    return describeStatus(status, progress_.step());
+  }
+
   /// Shows what has come of the run, whose start command has ended with `status`.
   int conclude(int status) {
-    const std::optional<Run> run = thisRun();
+    std::optional<Run> run = thisRun();
+    const std::string end = abnormalEnd(status);
+    if (run || signalThatCame() != 0) {
+      keep(run, end);
+      run = thisRun();
+    }
     if (run) {
       showRows(*run, true);
     }
@@ -251,28 +303,29 @@ class GuardedRun {
     }
     const std::string time = fmt::format("{:.0f} s", secondsSince(begin_));
     if (const int signal = signalThatCame(); signal != 0) {
-      print(stdout, fmt::format("ended by {}{}, after {}\n", describeSignal(signal),
-                                placeIn(progress_.step()), time));
+      print(stdout, fmt::format("{}, after {}\n", end, time));
       dieBy(signal);
     }
-    const std::string end = time + abnormalEnd(status, progress_.step());
+    const std::string howLong = time + (end.empty() ? "" : ": " + end);
     if (!run) {
       print(stderr, output_.text());
-      print(stdout, fmt::format("{}, after {}\n", paint(style_, Tone::bad, "no run"), end));
+      print(stdout, fmt::format("{}, after {}\n", paint(style_, Tone::bad, "no run"), howLong));
       return kNoRun;
     }
     const Class result = status == 0 ? run->runClass : std::max(run->runClass, Class::partial);
-    print(stdout, fmt::format("{} in {}\n", paint(style_, tone(result), name(result)), end));
+    print(stdout, fmt::format("{} in {}\n", paint(style_, tone(result), name(result)), howLong));
     return static_cast<int>(result);
   }
 
   LogDirectory directory_;
+  std::string address_;
+  std::optional<Configuration> settings_;
   Plan plan_;
   EpochSeconds start_;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point stepStart_ = begin_;
   std::vector<Run> before_;
-  std::filesystem::file_time_type oldReport_;
+  LatestTimes oldFiles_;
   Style style_;
   bool isLive_;
   Progress progress_;

@@ -1,5 +1,6 @@
 #include "runs/join.h"
 
+#include "runs/journal.h"
 #include "runs/lines.h"
 #include "runs/outputs.h"
 #include "runs/states.h"
@@ -16,7 +17,7 @@ class RunMaker {
  public:
   explicit RunMaker(const Evidence& evidence)
       : evidence_(evidence),
-        lines_(joinLines(evidence)),
+        lines_(linesWithJournal(evidence)),
         times_(timesOfRuns(evidence, lines_)),
         outputs_(joinOutputs(evidence, lines_, times_)) {}
 
@@ -37,6 +38,12 @@ class RunMaker {
   }
 
  private:
+  static std::vector<RunLines> linesWithJournal(const Evidence& evidence) {
+    std::vector<RunLines> lines = joinLines(evidence);
+    placeJournal(evidence, lines);
+    return lines;
+  }
+
   Run makeOrphan(const OrphanOutput& orphan) const {
     const PingOutput& output = evidence_.outputs[orphan.output];
     Run run;
@@ -63,30 +70,63 @@ class RunMaker {
       run.result = result->from;
       run.unitBps = result->unitBps;
     }
-    run.write = judge(rateFacts(evidence_.forward.all, lines.forward, evidence_.forwardReport,
-                                result != nullptr && result->write));
-    run.read = judge(rateFacts(evidence_.reverse.all, lines.reverse, evidence_.reverseReport,
-                               result != nullptr && result->read));
+    takeJournal(i, run);
+    run.write = judge(rateFacts({evidence_.forward, lines.forward, evidence_.forwardReport},
+                                journalOf(i).write, run, result != nullptr && result->write));
+    run.read = judge(rateFacts({evidence_.reverse, lines.reverse, evidence_.reverseReport},
+                               journalOf(i).read, run, result != nullptr && result->read));
     takeTest(evidence_.reverse.all, lines.reverse, run, run.reverse);
     takeTest(evidence_.forward.all, lines.forward, run, run.forward);
     takePing(i, run);
     run.unsure = doubtsOf(i, run);
-    run.pingUnsure = lines.pingsDoubtful || lines.resultDoubtful || !outputs_.of[i].doubt.empty();
-    run.ratesUnsure = lines.testsDoubtful || lines.resultDoubtful;
+    run.pingUnsure = lines.pingsDoubtful || lines.resultDoubtful || lines.journalDoubtful ||
+                     !doubtOfOutput(i).empty();
+    run.ratesUnsure = lines.testsDoubtful || lines.resultDoubtful || lines.journalDoubtful;
     run.runClass = classOf(run);
     return run;
   }
 
-  static RateFacts rateFacts(const std::vector<Iperf3Line>& history, std::size_t line,
-                             const std::optional<Iperf3Report>& latest, bool isShown) {
-    if (line == kAlone) {
-      return {nullptr, nullptr, false, isShown};
+  /// The run's line in the journal; an empty one where it has none.
+  const JournalLine& journalOf(std::size_t i) const {
+    static const JournalLine kNothing;
+    return lines_[i].journal == kAlone ? kNothing : evidence_.journal[lines_[i].journal];
+  }
+
+  void takeJournal(std::size_t i, Run& run) const {
+    const JournalLine& journal = journalOf(i);
+    run.journal = journal.from;
+    run.finished = run.finished || !journal.result.empty();
+    run.ended = journal.ended;
+    run.server = journal.address;
+  }
+
+  /// What a history tells of one test of a run.
+  struct Test {
+    const Lines<Iperf3Line>& history;
+    std::size_t line;
+    const std::optional<Iperf3Report>& latest;
+  };
+
+  static RateFacts rateFacts(const Test& test, const std::optional<JournalTest>& journal,
+                             const Run& run, bool isShown) {
+    RateFacts facts;
+    if (journal) {
+      facts.report = &journal->report;
+      facts.said = journal->said;
     }
-    const bool isLatest = latest && line + 1 == history.size() &&
-                          latest->start == history[line].start &&
-                          latest->clientPort == history[line].clientPort;
-    return {&history[line], isLatest ? &*latest : nullptr,
-            line > 0 && isSameTest(history[line], history[line - 1]), isShown};
+    if (test.line == kAlone) {
+      facts.isLost = isShown || (run.finished && test.history.lacksFiles);
+      return facts;
+    }
+    const std::vector<Iperf3Line>& lines = test.history.all;
+    facts.line = &lines[test.line];
+    facts.isRepeated = test.line > 0 && isSameTest(lines[test.line], lines[test.line - 1]);
+    if (!journal && test.latest && test.line + 1 == lines.size() &&
+        test.latest->start == facts.line->start &&
+        test.latest->clientPort == facts.line->clientPort) {
+      facts.report = &*test.latest;
+    }
+    return facts;
   }
 
   static void takeTest(const std::vector<Iperf3Line>& history, std::size_t line, Run& run,
@@ -118,9 +158,20 @@ class RunMaker {
       facts.output = &evidence_.outputs[output];
       facts.isRepeated = isRepeated(output);
     }
-    facts.isOpen = outputs_.of[i].isOpen;
-    facts.isOff = !evidence_.keepsOutputs && evidence_.pings.all.empty();
+    const JournalLine& journal = journalOf(i);
+    if (journal.ping) {
+      facts.output = facts.output == nullptr ? outputOf(*journal.ping) : facts.output;
+      facts.said = journal.ping->said;
+    }
+    facts.isOpen = outputs_.of[i].isOpen && !journal.isGuarded();
+    facts.isOff = journal.settings ? !journal.settings->doPingTests
+                                   : !evidence_.keepsOutputs && evidence_.pings.all.empty();
     run.ping = judge(facts);
+  }
+
+  /// Null when ping has printed nothing that begins as its output does.
+  static const PingOutput* outputOf(const JournalPing& ping) {
+    return ping.output.target.empty() ? nullptr : &ping.output;
   }
 
   /// Neighbours of one file become one source.
@@ -135,10 +186,9 @@ class RunMaker {
 
   /// The very same times in the same order do not come twice by chance, but for a few coarse ones.
   bool isRepeated(std::size_t output) const {
-    constexpr std::uint32_t kFew = 3;
+    constexpr std::size_t kFew = 3;
     const PingOutput& now = evidence_.outputs[output];
-    return output > 0 && now.replies >= kFew &&
-           now.fingerprint == evidence_.outputs[output - 1].fingerprint &&
+    return output > 0 && now.replies.size() >= kFew &&
            now.replies == evidence_.outputs[output - 1].replies &&
            now.target == evidence_.outputs[output - 1].target;
   }
@@ -155,8 +205,15 @@ class RunMaker {
     add(lines_[i].resultDoubtful, "its result could be that of a run beside it");
     add(run.write.state == RateState::unknown || run.read.state == RateState::unknown,
         "a line of its history is lost");
-    add(!outputs_.of[i].doubt.empty(), outputs_.of[i].doubt);
+    add(lines_[i].journalDoubtful, "its line in the journal could be that of a run beside it");
+    add(!doubtOfOutput(i).empty(), doubtOfOutput(i));
     return doubts;
+  }
+
+  /// The journal knows what ping has printed, or that it has printed nothing.
+  std::string doubtOfOutput(std::size_t i) const {
+    const JournalLine& journal = journalOf(i);
+    return journal.isGuarded() || journal.ping ? "" : outputs_.of[i].doubt;
   }
 
   const Evidence& evidence_;
@@ -177,8 +234,8 @@ bool hasEnded(EpochSeconds time, std::optional<EpochSeconds> endedRun) {
 void markOngoing(std::vector<Run>& runs, EpochSeconds now, std::optional<EpochSeconds> endedRun) {
   constexpr EpochSeconds kLongestRun = 600;
   for (auto run = runs.rbegin(); run != runs.rend() && !run->finished; ++run) {
-    run->ongoing = run->time && *run->time <= now && now < *run->time + kLongestRun &&
-                   !hasEnded(*run->time, endedRun);
+    run->ongoing = run->ended.empty() && run->time && *run->time <= now &&
+                   now < *run->time + kLongestRun && !hasEnded(*run->time, endedRun);
   }
 }
 

@@ -1,6 +1,9 @@
 #include "runs/lines.h"
 
+#include "runs/journal.h"
+
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
@@ -148,6 +151,7 @@ class LineJoiner {
  public:
   explicit LineJoiner(const Evidence& evidence)
       : evidence_(evidence),
+        journal_(evidence.journal),
         forward_(evidence.forward.all),
         reverse_(evidence.reverse.all),
         results_(evidence.results.all),
@@ -189,6 +193,7 @@ class LineJoiner {
     run.forward = row.places[kForward];
     run.reverse = row.places[kReverse];
     run.result = row.places[kResult];
+    run.journal = *journalOf(row.places);
     run.pingsDoubtful = (row.doubtful & member(kPing)) != 0;
     run.testsDoubtful = (row.doubtful & (member(kForward) | member(kReverse))) != 0;
     run.resultDoubtful = (row.doubtful & member(kResult)) != 0;
@@ -225,7 +230,37 @@ class LineJoiner {
                : std::nullopt;
   }
 
+  /// Returns the line of the journal that lines at `at` lead to, of those that are not kAlone;
+  /// kAlone when there is none, and nothing when they lead to more than one.
+  std::optional<std::size_t> journalOf(const LinePlaces& at) const {
+    std::size_t found = kAlone;
+    for (const std::size_t line :
+         {at[kPing] == kAlone ? kAlone : journal_.ofPing(startOf(groups_[at[kPing]])),
+          at[kForward] == kAlone ? kAlone : journal_.ofForward(forward_[at[kForward]]),
+          at[kReverse] == kAlone ? kAlone : journal_.ofReverse(reverse_[at[kReverse]]),
+          at[kResult] == kAlone ? kAlone : journal_.ofResult(results_[at[kResult]])}) {
+      if (line != kAlone && found != kAlone && line != found) {
+        return std::nullopt;
+      }
+      found = line == kAlone ? found : line;
+    }
+    return found;
+  }
+
+  /// The places of `members` alone.
+  static LinePlaces placesOf(Members members, LinePlaces at) {
+    for (std::size_t n = 0; n < at.size(); ++n) {
+      at[n] = (members >> n & 1U) != 0 ? at[n] : kAlone;
+    }
+    return at;
+  }
+
   int costOf(Members members, const LinePlaces& at) const {
+    const auto line = journalOf(placesOf(members, at));
+    return line ? sum({costOfLines(members, at), costByJournal(members, *line)}) : kImpossible;
+  }
+
+  int costOfLines(Members members, const LinePlaces& at) const {
     const std::optional<std::size_t> ping = placeOf(kPing, members, at);
     const std::optional<std::size_t> forward = placeOf(kForward, members, at);
     const std::optional<std::size_t> reverse = placeOf(kReverse, members, at);
@@ -239,6 +274,19 @@ class LineJoiner {
     }
     return sum({both, kRunEndedBefore, reverse && !forward ? kLineLost : 0,
                 ping && forward ? pingOfTest(*ping, *forward) : 0});
+  }
+
+  /// Of a run that came to its end, the journal tells which lines it has written.
+  int costByJournal(Members members, std::size_t place) const {
+    if (place == kAlone || evidence_.journal[place].result.empty() ||
+        !evidence_.journal[place].settings) {
+      return 0;
+    }
+    const bool hasTests = evidence_.journal[place].settings->doIperf3Tests;
+    const bool hasPing = evidence_.journal[place].ping && evidence_.journal[place].ping->start;
+    const Members written = member(kResult) | (hasPing ? member(kPing) : 0U) |
+                            (hasTests ? member(kForward) | member(kReverse) : 0U);
+    return kLineLost * std::popcount(written ^ members);
   }
 
   static int sum(std::initializer_list<int> costs) {
@@ -396,9 +444,12 @@ class LineJoiner {
     const auto ping = !reverse    ? std::nullopt
                       : line.date ? surePing(result, from)
                                   : firstPingBehind(*forward, from[kPing]);
-    return ping ? std::optional(SureRun{line.date ? kAllSequences : kAllSequences & ~member(kPing),
-                                        {*ping, *forward, *reverse, result}})
-                : std::nullopt;
+    if (!ping) {
+      return std::nullopt;
+    }
+    const SureRun run = {line.date ? kAllSequences : kAllSequences & ~member(kPing),
+                         {*ping, *forward, *reverse, result}};
+    return journalOf(placesOf(run.members, run.places)) ? std::optional(run) : std::nullopt;
   }
 
   /// By the date, or near the place where it is expected. A whole unit is no rare figure: there it
@@ -445,6 +496,7 @@ class LineJoiner {
   }
 
   const Evidence& evidence_;
+  JournalKeys journal_;
   const std::vector<Iperf3Line>& forward_;
   const std::vector<Iperf3Line>& reverse_;
   const std::vector<ResultLine>& results_;

@@ -23,10 +23,13 @@ struct RunLines {
   std::size_t forward = kAlone;
   std::size_t reverse = kAlone;
   std::size_t result = kAlone;
+  /// Its line in the journal.
+  std::size_t journal = kAlone;
   // Whether another choice would have been as good.
   bool pingsDoubtful = false;
   bool testsDoubtful = false;
   bool resultDoubtful = false;
+  bool journalDoubtful = false;
 
   bool isPingAlone() const { return forward == kAlone && reverse == kAlone && result == kAlone; }
 };

@@ -155,17 +155,38 @@ class OutputJoiner {
 
   void join(Gap gap) {
     for (std::size_t i = gap.run; i < gap.runEnd; ++i) {
-      if (!runs_[i].pings) {
+      if (!runs_[i].pings && !isKnownSilent(i)) {
         gap.silent.push_back(i);
       }
     }
     if (gap.silent.size() == gap.outputs.size()) {
       joinAll(gap);
-    } else if (gap.isLong()) {
+    } else if (gap.isLong() || std::ranges::all_of(gap.silent, [&](std::size_t run) {
+                 return journalOf(run) != nullptr;
+               })) {
       deal(gap, alignSilent(gap));
     } else {
       deal(gap, undecided(gap));
     }
+  }
+
+  /// What the journal tells of a run, or null.
+  const JournalLine* journalOf(std::size_t run) const {
+    return runs_[run].journal == kAlone ? nullptr : &evidence_.journal[runs_[run].journal];
+  }
+
+  /// Its ping has printed nothing that begins as an output does.
+  bool isKnownSilent(std::size_t run) const {
+    const JournalLine* const line = journalOf(run);
+    return line != nullptr && line->isGuarded() &&
+           (!line->ping || line->ping->output.target.empty());
+  }
+
+  /// Whether the journal does not tell another output of the run.
+  bool canHave(std::size_t run, std::size_t output) const {
+    const JournalLine* const line = journalOf(run);
+    return line == nullptr || !line->ping ||
+           line->ping->output.replies == evidence_.outputs[output].replies;
   }
 
   void joinAll(const Gap& gap) {
@@ -284,7 +305,8 @@ class OutputJoiner {
     return align(Costs<2>{{gap.silent.size(), gap.outputs.size()},
                           [&](Members members, const Places<2>& at) {
                             if (members == kBoth) {
-                              return 0;
+                              return canHave(gap.silent[at[0]], gap.outputs[at[1]]) ? 0
+                                                                                    : kImpossible;
                             }
                             return members == kRun ? kNoOutput : costBefore[at[0]];
                           },

@@ -14,7 +14,8 @@ constexpr const char* kRateStates[] = {nullptr,   "full",  "cut", "nothing_moved
 constexpr const char* kPingStates[] = {nullptr,    "replied",   "false_zero", "unread",
                                        "no_reply", "no_output", "stale",      "off"};
 constexpr const char* kClasses[] = {"ok", "partial", "failed"};
-constexpr const char* kTimeSources[] = {nullptr, "ping", "forward", "reverse", "archive_stamp"};
+constexpr const char* kTimeSources[] = {nullptr,   "journal", "ping",
+                                        "forward", "reverse", "archive_stamp"};
 
 template <class Names, class Value>
 const char* nameIn(const Names& names, Value value) {
@@ -74,6 +75,13 @@ void addRates(const Run& run, std::vector<std::string>& parts) {
   }
 }
 
+std::string endOf(const Run& run) {
+  if (!run.ended.empty()) {
+    return run.ended;
+  }
+  return run.forward.isThere() ? "ended in read test" : "ended in write test";
+}
+
 }  // namespace
 
 const char* name(RateState state) {
@@ -106,11 +114,11 @@ std::string reason(const Run& run) {
   }
   std::vector<std::string> parts;
   if (const char* const ping = shortReason(run.ping.state); ping != nullptr) {
-    parts.emplace_back(ping);
+    parts.push_back(run.ping.reason.empty() ? ping : fmt::format("{}: {}", ping, run.ping.reason));
   }
   addRates(run, parts);
   if (!run.finished) {
-    parts.emplace_back(run.forward.isThere() ? "ended in read test" : "ended in write test");
+    parts.push_back(endOf(run));
   }
   return run.runClass == Class::ok ? "" : fmt::format("{}", fmt::join(parts, ", "));
 }

@@ -1,6 +1,7 @@
 // A run, put together from the lines that it left, and what can be said of it.
 #pragma once
 
+#include "evidence/iperf3_report.h"
 #include "evidence/source.h"
 #include "local_time.h"
 
@@ -50,7 +51,7 @@ enum class PingState : std::uint8_t {
 enum class Class : std::uint8_t { ok, partial, failed };
 
 /// What tells the time of a run.
-enum class TimeSource : std::uint8_t { none, ping, forward, reverse, archiveStamp };
+enum class TimeSource : std::uint8_t { none, journal, ping, forward, reverse, archiveStamp };
 
 /// The names of exports and views.
 const char* name(RateState state);
@@ -67,6 +68,8 @@ struct Ping {
   double stddev = kNotMeasured;
   std::optional<std::uint32_t> sent;
   std::optional<std::uint32_t> received;
+  /// Why it is not `replied`, in the words of ping, where they are known.
+  std::string reason = {};
 
   /// Percent, or kNotMeasured.
   double loss() const;
@@ -82,6 +85,12 @@ struct Rate {
   std::optional<std::uint32_t> duration;
   /// Why it is not `full`, where that is known.
   std::string reason;
+  /// What iperf3 reports of the packets that it sent once more, and of the round trips while it
+  /// sent; where its report was kept.
+  std::optional<std::uint64_t> retransmits = {};
+  std::optional<LoadedRoundTrips> roundTrips = {};
+  /// How long no byte came through. Part of `seconds`.
+  double emptySeconds = kNotMeasured;
 
   /// Only such a rate is a figure of the line.
   bool isMeasured() const { return state == RateState::full; }
@@ -96,6 +105,8 @@ struct Run {
   Class runClass = Class::failed;
   /// It has come to its result line.
   bool finished = false;
+  /// How it ended, and in what, where that was seen: "ended by ^C in read test". Else empty.
+  std::string ended;
   /// It has not yet, and may still do so. What it has not measured up to now says nothing.
   bool ongoing = false;
   /// Only the output of a ping, of which no run can be named.
@@ -117,6 +128,7 @@ struct Run {
   Source reverse;
   std::vector<Source> pings;
   std::vector<Source> outputs;
+  Source journal;
 };
 
 /// Says in a few words what is wrong with a run that is not ok: "read cut, 3 of 10 s".

@@ -1,7 +1,11 @@
 #include "runs/states.h"
 
+#include "runs/no_test.h"
+
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <numeric>
 
 namespace watch {
 
@@ -20,8 +24,7 @@ bool tookItsTime(const Iperf3Line& line) {
 }
 
 bool wasStopped(const RateFacts& facts) {
-  return facts.report != nullptr &&
-         (!facts.report->error.empty() || facts.report->emptyIntervals > 0);
+  return facts.report != nullptr && facts.report->wasStopped();
 }
 
 /// A rule: the first that applies gives the state.
@@ -44,7 +47,7 @@ constexpr Rule<RateState, RateFacts> kRateRules[] = {
 };
 
 bool replied(const PingFacts& f) {
-  return f.output != nullptr && f.output->replies > 0;
+  return f.output != nullptr && !f.output->replies.empty();
 }
 
 constexpr Rule<PingState, PingFacts> kPingRules[] = {
@@ -89,15 +92,21 @@ State firstOf(const Rule<State, Facts> (&rules)[Count], const Facts& facts) {
   return rule->state;
 }
 
+/// An adapter knows better why than the report of the iperf3 that it has ended.
+std::string complaintOf(const RateFacts& facts) {
+  return std::string(facts.said.empty() && facts.report != nullptr ? facts.report->error
+                                                                   : facts.said);
+}
+
 std::string reasonOf(const Rate& rate, const RateFacts& facts) {
   if (rate.isMeasured() || rate.state == RateState::off) {
     return "";
   }
-  if (facts.report != nullptr && !facts.report->error.empty()) {
-    return facts.report->error;
+  if (const std::string complaint = complaintOf(facts); !complaint.empty()) {
+    return rate.state == RateState::noTest ? whyNoTest(complaint) : complaint;
   }
-  if (facts.report != nullptr && facts.report->emptyIntervals > 0) {
-    return fmt::format("{} s without a byte", facts.report->emptyIntervals);
+  if (facts.report != nullptr && facts.report->wasStopped()) {
+    return fmt::format("{:.0f} s without a byte", facts.report->emptySeconds);
   }
   if (rate.state == RateState::cut && !std::isnan(rate.seconds) && rate.duration) {
     return fmt::format("{:.1f} of {} s", rate.seconds, *rate.duration);
@@ -112,10 +121,12 @@ void takeFigures(const PingOutput& output, Ping& ping) {
     ping.avg = output.summary->avg;
     ping.max = output.summary->max;
     ping.stddev = output.summary->stddev;
-  } else if (output.replies > 0) {
-    ping.min = output.leastMs;
-    ping.avg = output.sumMs / output.replies;
-    ping.max = output.greatestMs;
+  } else if (const std::vector<double>& replies = output.replies; !replies.empty()) {
+    const auto [least, most] = std::ranges::minmax(replies);
+    ping.min = least;
+    ping.avg =
+        std::accumulate(replies.begin(), replies.end(), 0.0) / static_cast<double>(replies.size());
+    ping.max = most;
   }
 }
 
@@ -136,6 +147,11 @@ Rate judge(const RateFacts& facts) {
     rate.bytes = facts.line->bytes;
     rate.seconds = secondsMeasured(*facts.line);
   }
+  if (facts.report != nullptr) {
+    rate.retransmits = facts.report->retransmits;
+    rate.roundTrips = facts.report->roundTrips;
+    rate.emptySeconds = facts.report->bytes ? facts.report->emptySeconds : kNotMeasured;
+  }
   rate.reason = reasonOf(rate, facts);
   return rate;
 }
@@ -143,6 +159,7 @@ Rate judge(const RateFacts& facts) {
 Ping judge(const PingFacts& facts) {
   Ping ping;
   ping.state = firstOf(kPingRules, facts);
+  ping.reason = ping.state == PingState::replied ? "" : facts.said;
   if (ping.state == PingState::stale) {
     return ping;
   }

@@ -50,6 +50,10 @@ std::optional<EpochSeconds> startOf(const std::vector<Iperf3Line>& lines, std::s
   return line == kAlone ? std::nullopt : lines[line].start;
 }
 
+std::optional<EpochSeconds> guardedStart(const Evidence& evidence, const RunLines& run) {
+  return run.journal == kAlone ? std::nullopt : evidence.journal[run.journal].start;
+}
+
 }  // namespace
 
 std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<RunLines>& runs) {
@@ -60,7 +64,9 @@ std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<Run
     const auto forward = startOf(evidence.forward.all, run.forward);
     const auto reverse = startOf(evidence.reverse.all, run.reverse);
     const auto epoch = forward ? forward : reverse;
-    if (run.pings) {
+    if (const auto start = guardedStart(evidence, run)) {
+      times.push_back({start, TimeSource::journal, false});
+    } else if (run.pings) {
       const Moments ping = moments(evidence.pings.all[run.pings->first].start);
       times.push_back({epoch ? ping.nearest(*epoch) : ping.first, TimeSource::ping,
                        !epoch && !ping.isUnique()});

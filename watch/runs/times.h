@@ -16,8 +16,8 @@ struct RunTime {
   bool foldUnresolved = false;
 };
 
-/// Returns the time of each run: its ping's start, its forward test's, its reverse test's, or the
-/// stamp of the archive that it filled.
+/// Returns the time of each run: that in its line of the journal, its ping's start, its forward
+/// test's, its reverse test's, or the stamp of the archive that it filled.
 std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<RunLines>& runs);
 
 }  // namespace watch

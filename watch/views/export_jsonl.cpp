@@ -41,6 +41,14 @@ class JsonSink : public RecordSink {
     json_.Key(key);
     json_.Double(value);
   }
+  void numbers(const char* key, std::initializer_list<double> values) override {
+    json_.Key(key);
+    json_.StartArray();
+    for (const double value : values) {
+      json_.Double(value);
+    }
+    json_.EndArray();
+  }
   void sources(const char* key, const std::vector<Source>& value) override {
     json_.Key(key);
     json_.StartArray();

@@ -1,6 +1,7 @@
 #include "views/flat_sink.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace watch {
 
@@ -18,6 +19,9 @@ class ColumnSink : public RecordSink {
   void boolean(const char* key, bool /*value*/) override { add(key, ColumnKind::boolean); }
   void whole(const char* key, std::int64_t /*value*/) override { add(key, ColumnKind::whole); }
   void number(const char* key, double /*value*/) override { add(key, ColumnKind::number); }
+  void numbers(const char* key, std::initializer_list<double> /*values*/) override {
+    add(key, ColumnKind::text);
+  }
   void sources(const char* key, const std::vector<Source>& /*value*/) override {
     add(key, ColumnKind::text);
   }
@@ -31,8 +35,8 @@ class ColumnSink : public RecordSink {
 /// A run of which everything is known, so that each member is of its kind.
 Run wholeRun() {
   Run run;
-  run.ping = {PingState::replied, 1, 1, 1, 1, 1, 1};
-  run.write = {RateState::full, 1, 1, 1, 1, ""};
+  run.ping = {PingState::replied, 1, 1, 1, 1, 1, 1, ""};
+  run.write = {RateState::full, 1, 1, 1, 1, "", 1, {}, 1};
   run.read = run.write;
   return run;
 }
@@ -43,6 +47,10 @@ std::vector<Column> flatColumns() {
   ColumnSink sink;
   writeRecord(wholeRun(), sink);
   return std::move(sink.columns);
+}
+
+void FlatSink::numbers(const char* key, std::initializer_list<double> values) {
+  text(key, fmt::format("{}", fmt::join(values, " ")));
 }
 
 void FlatSink::sources(const char* key, const std::vector<Source>& value) {

@@ -27,6 +27,8 @@ class FlatSink : public RecordSink {
 
   void begin(const char* /*group*/) override {}
   void end() override {}
+  /// "18.2 31 55.1"
+  void numbers(const char* key, std::initializer_list<double> values) override;
   /// "archive/ping_history_20261121T050112.log:10", with a range behind the colon where there are
   /// several lines, and a blank between several.
   void sources(const char* key, const std::vector<Source>& value) override;

@@ -17,11 +17,12 @@ class Members {
   void text(const char* key, const std::string& value) {
     value.empty() ? sink_.nothing(key) : sink_.text(key, value);
   }
-  /// To thousandths, which is what the tools print.
   void number(const char* key, double value) {
-    constexpr double kThousandths = 1000;
-    std::isfinite(value) ? sink_.number(key, std::round(value * kThousandths) / kThousandths)
-                         : sink_.nothing(key);
+    std::isfinite(value) ? sink_.number(key, rounded(value)) : sink_.nothing(key);
+  }
+  void roundTrips(const char* key, const std::optional<LoadedRoundTrips>& times) {
+    times ? sink_.numbers(key, {rounded(times->least), rounded(times->mean), rounded(times->most)})
+          : sink_.nothing(key);
   }
   void whole(const char* key, double value) {
     std::isfinite(value) ? sink_.whole(key, std::llround(value)) : sink_.nothing(key);
@@ -35,6 +36,12 @@ class Members {
   }
 
  private:
+  /// To thousandths, which is what the tools print.
+  static double rounded(double value) {
+    constexpr double kThousandths = 1000;
+    return std::round(value * kThousandths) / kThousandths;
+  }
+
   RecordSink& sink_;
 };
 
@@ -60,9 +67,8 @@ void writeRate(const char* group, const Rate& rate, RecordSink& sink) {
   members.whole("bytes", rate.bytes);
   members.number("seconds", rate.seconds);
   members.whole("duration", rate.duration);
-  // The histories do not tell these.
-  sink.nothing("retransmits");
-  sink.nothing("rtt_ms");
+  members.whole("retransmits", rate.retransmits);
+  members.roundTrips("rtt_ms", rate.roundTrips);
   members.text("reason", rate.reason);
   sink.end();
 }
@@ -75,7 +81,7 @@ void writeFrom(const Run& run, RecordSink& sink) {
   sink.sources("verbose", run.outputs);
   members.source("forward", run.forward);
   members.source("reverse", run.reverse);
-  sink.sources("journal", {});
+  members.source("journal", run.journal);
   sink.end();
 }
 

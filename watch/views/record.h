@@ -6,6 +6,7 @@
 #include "runs/run.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,7 @@ class RecordSink {
   virtual void boolean(const char* key, bool value) = 0;
   virtual void whole(const char* key, std::int64_t value) = 0;
   virtual void number(const char* key, double value) = 0;
+  virtual void numbers(const char* key, std::initializer_list<double> values) = 0;
   virtual void sources(const char* key, const std::vector<Source>& value) = 0;
 };
 

@@ -74,8 +74,6 @@ std::string label(std::string_view text) {
 std::vector<double> repliesOf(const Source& from, const ShowContext& context) {
   std::vector<PingOutput> outputs;
   PingOutputReader reader(outputs);
-  std::vector<double> times;
-  double sum = 0;
   Troubles ignored;
   context.directory.readLines(context.files[from.file], ignored,
                               [&](std::string_view text, std::uint32_t number) {
@@ -83,12 +81,8 @@ std::vector<double> repliesOf(const Source& from, const ShowContext& context) {
                                   return;
                                 }
                                 reader.take(text, from.file, number);
-                                if (!outputs.empty() && outputs.front().replies > times.size()) {
-                                  times.push_back(outputs.front().sumMs - sum);
-                                  sum = outputs.front().sumMs;
-                                }
                               });
-  return times;
+  return outputs.empty() ? std::vector<double>() : std::move(outputs.front().replies);
 }
 
 /// Returns the line that `from` names.
@@ -236,6 +230,7 @@ class RunView {
     const Tone tone = rate.isMeasured() ? Tone::strong : Tone::warning;
     field(test, isFigure ? paint(style_, tone, megabits(*bps / kMegabit)) + " Mbit/s" : "-",
           amount(rate));
+    addLoad(rate);
     const bool isToCome = run_.ongoing && rate.state == RateState::off;
     const std::string means = isToCome ? "not yet" : meaning(rate.state);
     if (rate.reason.empty()) {
@@ -243,6 +238,21 @@ class RunView {
     } else {
       addMeaning(rate.state == RateState::cut ? rate.reason + ": " + means
                                               : means + ": " + rate.reason);
+    }
+  }
+
+  /// What the sender has seen.
+  void addLoad(const Rate& rate) {
+    std::vector<std::string> parts;
+    if (rate.retransmits) {
+      parts.push_back(counted(*rate.retransmits, "packet", "packets") + " sent once more");
+    }
+    if (const auto& times = rate.roundTrips) {
+      parts.push_back(fmt::format("{} / {} / {} ms under load", milliseconds(times->least),
+                                  milliseconds(times->mean), milliseconds(times->most)));
+    }
+    if (!parts.empty()) {
+      textFrom(kLabels, Tone::dim, fmt::format("{}", fmt::join(parts, ", ")));
     }
   }
 
@@ -297,6 +307,7 @@ class RunView {
     if (run_.result.isThere()) {
       addResult();
     }
+    addSource("journal", run_.journal);
   }
 
   void addSource(const char* name, const Source& from) {

@@ -13,13 +13,27 @@
 namespace watch {
 namespace {
 
+template <class Number>
+std::string told(const std::optional<Number>& number) {
+  return number ? fmt::format("{:.12g}", static_cast<double>(*number)) : "-";
+}
+
+std::string told(const std::optional<LoadedRoundTrips>& times) {
+  return times ? fmt::format("{:.12g}/{:.12g}/{:.12g}", times->least, times->mean, times->most)
+               : "-";
+}
+
 /// "-" for nothing, "none" for no report.
 std::string told(const std::optional<Iperf3Report>& report) {
   if (!report) {
     return "none";
   }
-  return fmt::format("{} {} {} \"{}\"", report->start ? std::to_string(*report->start) : "-",
-                     report->clientPort, report->emptyIntervals, report->error);
+  return fmt::format("{} {} {}-{} {} {} {} {} {} {} {:.12g} \"{}\"",
+                     report->release.empty() ? "-" : report->release,
+                     report->start ? std::to_string(*report->start) : "-", report->clientPort,
+                     report->serverPort, told(report->bytes), told(report->seconds),
+                     told(report->sentBps), told(report->receivedBps), told(report->retransmits),
+                     told(report->roundTrips), report->emptySeconds, report->error);
 }
 
 TEST(Iperf3Report, OfEachReleaseIsRead) {
@@ -49,29 +63,33 @@ TEST(Iperf3Report, TellsOnlyWhatHasItsType) {
   const struct {
     std::string text;
     std::string told;
-  } cases[] = {{"{}", R"(- 0 0 "")"},
-               {"{}\r\n", R"(- 0 0 "")"},
-               {"{} {}", "none"},
-               {std::string("{}\0x", 4), "none"},
-               {"[]", "none"},
-               {"null", "none"},
-               {"", "none"},
-               {R"({"start":7,"intervals":7,"error":7})", R"(- 0 0 "")"},
-               {R"({"start":{"timestamp":{"timesecs":"7"}},"error":null})", R"(- 0 0 "")"},
-               {R"({"start":{"timestamp":{"timesecs":7.5}}})", R"(- 0 0 "")"},
-               {R"({"start":{"timestamp":{"timesecs":9223372036854775808}}})", R"(- 0 0 "")"},
-               {R"({"start":{"timestamp":{"timesecs":-7}}})", R"(-7 0 0 "")"},
-               {R"({"start":{"connected":[]}})", R"(- 0 0 "")"},
-               {R"({"start":{"connected":[{"local_port":65535}]}})", R"(- 65535 0 "")"},
-               {R"({"start":{"connected":[{"local_port":65536}]}})", R"(- 0 0 "")"},
-               {R"({"start":{"connected":[{"local_port":-1}]}})", R"(- 0 0 "")"},
-               {R"({"intervals":[{"sum":{"bytes":0}},{"sum":{"bytes":1}},{"sum":{"bytes":0.0}}]})",
-                R"(- 0 2 "")"},
-               {R"({"intervals":[{"sum":{"bytes":"0"}},{"sum":0},0,null,{}]})", R"(- 0 0 "")"},
-               {R"({"error":"\u001b[2J\u0000\u00e9"})", R"(- 0 0 "?[2J???")"},
-               {std::string(100'000, '['), "none"},
-               {R"({"error":)" + std::string(100'000, '[') + std::string(100'000, ']') + "}",
-                R"(- 0 0 "")"}};
+  } cases[] = {
+      {"{}", R"(- - 0-0 - - - - - - 0 "")"},
+      {"{}\r\n", R"(- - 0-0 - - - - - - 0 "")"},
+      {"{} {}", "none"},
+      {std::string("{}\0x", 4), "none"},
+      {"[]", "none"},
+      {"null", "none"},
+      {"", "none"},
+      {R"({"start":7,"intervals":7,"error":7})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"timestamp":{"timesecs":"7"}},"error":null})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"timestamp":{"timesecs":7.5}}})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"timestamp":{"timesecs":9223372036854775808}}})",
+       R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"timestamp":{"timesecs":-7}}})", R"(- -7 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"connected":[]}})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"connected":[{"local_port":65535}]}})", R"(- - 65535-0 - - - - - - 0 "")"},
+      {R"({"start":{"connected":[{"local_port":65536}]}})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"start":{"connected":[{"local_port":-1}]}})", R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"intervals":[{"sum":{"bytes":0,"seconds":1.5}},{"sum":{"bytes":1,"seconds":8}},
+                     {"sum":{"bytes":0.0,"seconds":2}},{"sum":{"bytes":0}}]})",
+       R"(- - 0-0 - - - - - - 3.5 "")"},
+      {R"({"intervals":[{"sum":{"bytes":"0"}},{"sum":0},0,null,{}]})",
+       R"(- - 0-0 - - - - - - 0 "")"},
+      {R"({"error":"\u001b[2J\u0000\u00e9"})", R"(- - 0-0 - - - - - - 0 "?[2J???")"},
+      {std::string(100'000, '['), "none"},
+      {R"({"error":)" + std::string(100'000, '[') + std::string(100'000, ']') + "}",
+       R"(- - 0-0 - - - - - - 0 "")"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text.substr(0, 100));
 

@@ -48,7 +48,7 @@ TEST(RateState, IsCutWhenTheReportSaysSo) {
   Iperf3Report report;
   EXPECT_EQ(stateOf(RateFacts{.line = &line, .report = &report}), "full");
 
-  report.emptyIntervals = 3;
+  report.emptySeconds = 3;
   const Rate paused = judge(RateFacts{.line = &line, .report = &report});
   report.error = "interrupt - the client has terminated";
   const Rate stopped = judge(RateFacts{.line = &line, .report = &report});
@@ -111,12 +111,10 @@ class PingStates : public testing::Test {
     line_.max = 15.2;
     line_.stddev = 0.8;
     zeros_.min = zeros_.avg = zeros_.max = zeros_.stddev = 0;
-    read_.sent = read_.received = read_.replies = 4;
+    read_.sent = read_.received = 4;
     read_.summary = PingSummary{12.1, 13.5, 15.2, 0.8};
     read_.summaryIsRead = read_.summaryIsWhole = true;
-    read_.leastMs = 12.1;
-    read_.greatestMs = 15.2;
-    read_.sumMs = 54;
+    read_.replies = {12.1, 13.2, 13.5, 15.2};
     unread_ = read_;
     unread_.summary.reset();
     unread_.summaryIsRead = unread_.summaryIsWhole = false;

@@ -2,14 +2,13 @@
 
 #include "runs/join.h"
 
-#include <bit>
 #include <fmt/format.h>
 
 namespace {
 
 using namespace watch;
 
-enum File : std::uint32_t { kPings, kOutputs, kForward, kReverse, kResults };
+enum File : std::uint32_t { kPings, kOutputs, kForward, kReverse, kResults, kJournal };
 
 template <class Line>
 void add(Lines<Line>& lines, File file, Line line) {
@@ -69,12 +68,10 @@ LogLines& LogLines::output(double avg) {
   constexpr std::uint32_t kPackets = 10;
   PingOutput output;
   output.target = "192.0.2.10";
-  output.sent = output.received = output.replies = kPackets;
+  output.sent = output.received = kPackets;
   output.summary = PingSummary{avg, avg, avg, 0};
   output.summaryIsRead = output.summaryIsWhole = true;
-  output.leastMs = output.greatestMs = avg;
-  output.sumMs = avg * kPackets;
-  output.fingerprint = std::bit_cast<std::uint64_t>(avg);
+  output.replies.assign(kPackets, avg);
   const auto number = static_cast<std::uint32_t>(evidence.outputs.size() + 1);
   output.from = {kOutputs, number, number};
   evidence.outputs.push_back(output);
@@ -87,7 +84,8 @@ LogLines& LogLines::silentOutput() {
   PingOutput& output = evidence.outputs.back();
   output.summary.reset();
   output.summaryIsRead = output.summaryIsWhole = false;
-  output.received = output.replies = 0;
+  output.received = 0;
+  output.replies.clear();
   return *this;
 }
 
@@ -132,6 +130,18 @@ LogLines& LogLines::run(EpochSeconds at, double avg, double write, double read) 
   return ping(at, avg).forward(at, write).reverse(at, read).result(at, avg, write, read);
 }
 
+JournalLine& LogLines::journal(EpochSeconds at) {
+  const auto number = static_cast<std::uint32_t>(evidence.journal.size() + 1);
+  JournalLine& line = evidence.journal.emplace_back();
+  line.start = at;
+  line.end = at + 51;
+  line.ended = "finished";
+  line.address = "192.0.2.10";
+  line.settings = Configuration{};
+  line.from = {kJournal, number, number};
+  return line;
+}
+
 LogLines& LogLines::unit(std::uint64_t bps) {
   unitBps_ = bps;
   return *this;
@@ -146,6 +156,7 @@ std::vector<std::string> joined(const Evidence& evidence) {
     addPlaces("forward", {run.forward}, text);
     addPlaces("reverse", {run.reverse}, text);
     addPlaces("result", {run.result}, text);
+    addPlaces("journal", {run.journal}, text);
     texts.push_back(run.unsure.empty() ? text : text + " [" + run.unsure + "]");
   }
   return texts;

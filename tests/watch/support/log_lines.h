@@ -32,6 +32,9 @@ class LogLines {
   /// All that a run writes in which all is well.
   LogLines& run(watch::EpochSeconds at, double avg, double write, double read);
 
+  /// Adds the line of a run that was guarded `at`, which tells nothing more yet, and returns it.
+  watch::JournalLine& journal(watch::EpochSeconds at);
+
   /// The unit of the results from here on.
   LogLines& unit(std::uint64_t bps);
 
