@@ -5,6 +5,8 @@
 #include "evidence/run_lock.h"
 
 #include <algorithm>
+#include <future>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -49,66 +51,93 @@ constexpr Format<Iperf3Line> kReverseFormat = {parseReverseLine, lastIperf3Line,
 constexpr Format<ResultLine> kResultFormat = {parseResultLine, lastResultLine, resultTime,
                                               localSeconds};
 
-/// The lines of one file of a history.
-template <class Line>
+/// A file of a history. Its lines have these places among all that were read.
 struct Part {
-  std::string name;
-  std::optional<LocalTime> stamp;
-  std::vector<Line> lines;
+  const Archived* file;
+  std::size_t first;
+  std::size_t end;
 };
 
+/// Reads a history. Several can do so beside each other.
 template <class Line>
 class HistoryReader {
  public:
-  HistoryReader(const LogDirectory& directory, const Format<Line>& format, Evidence& evidence)
-      : directory_(directory), format_(format), evidence_(evidence) {}
-
-  Lines<Line> read(const History& history, const std::vector<Archived>& archived) {
-    // The live file first: when it moves to the archive meanwhile, the archive has changed.
-    std::optional<Part<Line>> live = readPart({history.live, std::nullopt});
-    std::vector<Part<Line>> parts;
-    parts.reserve(archived.size());
+  /// Adds the names of the files to `names`. Takes the live file at once, before the archived ones
+  /// are read: when it moves there meanwhile, the archive has changed.
+  HistoryReader(const LogDirectory& directory, const Format<Line>& format, const History& history,
+                const std::vector<Archived>& archived, std::vector<std::string>& names)
+      : files_(directory),
+        format_(format),
+        live_{history.live, std::nullopt},
+        archived_(archived),
+        firstName_(static_cast<std::uint32_t>(names.size())),
+        liveText_(directory.read(live_.name, troubles_)),
+        lacksFiles_(!troubles_.empty()) {
     for (const Archived& file : archived) {
-      if (std::optional<Part<Line>> part = readPart(file)) {
-        parts.push_back(std::move(*part));
-      }
+      names.push_back(file.name);
     }
-    std::vector<Part<Line>*> written = inOrder(parts);
-    if (live) {
-      written.push_back(&*live);
+    if (liveText_) {
+      names.push_back(live_.name);
     }
-    return join(written);
   }
 
+  /// Returns the lines of all files in the order in which they were written.
+  Lines<Line> read() {
+    lines_.reserve((archived_.size() + 1) * kFullHistoryLines);
+    std::vector<Part> parts;
+    parts.reserve(archived_.size() + 1);
+    std::uint32_t name = firstName_;
+    for (const Archived& file : archived_) {
+      if (const auto text = files_.read(file, troubles_)) {
+        parts.push_back(readPart(file, *text, name));
+      } else {
+        lacksFiles_ = true;
+      }
+      ++name;
+    }
+    parts = inOrder(parts);
+    if (liveText_) {
+      parts.push_back(readPart(live_, *liveText_, name));
+    }
+    return join(withoutCopies(parts));
+  }
+
+  const Troubles& troubles() const { return troubles_; }
+
  private:
-  std::vector<Part<Line>*> inOrder(std::vector<Part<Line>>& parts) const {
+  std::span<Line> linesOf(const Part& part) {
+    return std::span(lines_).subspan(part.first, part.end - part.first);
+  }
+
+  std::vector<Part> inOrder(const std::vector<Part>& parts) {
     std::vector<FileTimes> times;
     times.reserve(parts.size());
-    for (const Part<Line>& part : parts) {
+    for (const Part& part : parts) {
       times.push_back(timesOf(part));
     }
-    std::vector<Part<Line>*> ordered;
+    std::vector<Part> ordered;
     ordered.reserve(parts.size() + 1);
     for (const std::size_t place : orderOfWriting(times)) {
-      ordered.push_back(&parts[place]);
+      ordered.push_back(parts[place]);
     }
     return ordered;
   }
 
-  FileTimes timesOf(const Part<Line>& part) const {
+  FileTimes timesOf(const Part& part) {
     std::vector<std::int64_t> times;
-    times.reserve(part.lines.size());
-    for (const Line& line : part.lines) {
+    times.reserve(part.end - part.first);
+    for (const Line& line : linesOf(part)) {
       if (const auto time = format_.time(line)) {
         times.push_back(*time);
       }
     }
+    const std::optional<LocalTime> stamp = part.file->stamp;
     return timesOfFile(std::move(times),
-                       part.stamp ? std::optional(format_.timeOfStamp(*part.stamp)) : std::nullopt);
+                       stamp ? std::optional(format_.timeOfStamp(*stamp)) : std::nullopt);
   }
 
-  std::optional<std::int64_t> firstTime(const Part<Line>& part) const {
-    for (const Line& line : part.lines) {
+  std::optional<std::int64_t> firstTime(const Part& part) {
+    for (const Line& line : linesOf(part)) {
       if (const auto time = format_.time(line)) {
         return time;
       }
@@ -118,67 +147,73 @@ class HistoryReader {
 
   /// Leaves out what another file holds, too: a copy, or the part of one that is left of a move to
   /// another file system that was killed.
-  Lines<Line> join(const std::vector<Part<Line>*>& parts) {
-    Lines<Line> lines;
-    const Part<Line>* last = nullptr;
+  std::vector<Part> withoutCopies(const std::vector<Part>& parts) {
+    std::vector<Part> kept;
+    kept.reserve(parts.size());
     for (std::size_t i = 0; i < parts.size(); ++i) {
-      Part<Line>& part = *parts[i];
-      if (last != nullptr && isBegin(part, *last)) {
-        leaveOut(part, *last);
-      } else if (i + 1 < parts.size() && isBegin(part, *parts[i + 1])) {
-        leaveOut(part, *parts[i + 1]);
+      if (!kept.empty() && isBegin(parts[i], kept.back())) {
+        leaveOut(parts[i], kept.back());
+      } else if (i + 1 < parts.size() && isBegin(parts[i], parts[i + 1])) {
+        leaveOut(parts[i], parts[i + 1]);
       } else {
-        append(lines, part);
-        last = &part;
+        kept.push_back(parts[i]);
       }
     }
-    lines.lacksFiles = lacksFiles_;
-    return lines;
+    return kept;
   }
 
   /// Without a time, ten runs that failed look like any other ten.
-  bool isBegin(const Part<Line>& part, const Part<Line>& whole) const {
+  bool isBegin(const Part& part, const Part& whole) {
     const auto first = firstTime(part);
     if (!first || first != firstTime(whole)) {
       return false;
     }
     Troubles saidBefore;
-    const std::string text = directory_.read(part.name, saidBefore).value_or("");
-    return directory_.read(whole.name, saidBefore).value_or("").starts_with(text);
+    const std::string text(files_.read(*part.file, saidBefore).value_or(""));
+    return files_.read(*whole.file, saidBefore).value_or("").starts_with(text);
   }
 
-  void leaveOut(const Part<Line>& part, const Part<Line>& whole) {
-    evidence_.troubles.push_back({part.name, 0, "all that it holds is in " + whole.name});
+  void leaveOut(const Part& part, const Part& whole) {
+    troubles_.push_back({part.file->name, 0, "all that it holds is in " + whole.file->name});
   }
 
-  static void append(Lines<Line>& lines, Part<Line>& part) {
-    lines.all.insert(lines.all.end(), std::make_move_iterator(part.lines.begin()),
-                     std::make_move_iterator(part.lines.end()));
-    if (part.stamp && !part.lines.empty()) {
-      lines.filled.push_back({lines.all.size() - 1, *part.stamp});
+  Lines<Line> join(const std::vector<Part>& parts) {
+    Lines<Line> lines;
+    std::size_t count = 0;
+    bool areAsRead = true;
+    for (const Part& part : parts) {
+      areAsRead = areAsRead && part.first == count;
+      count += part.end - part.first;
+      if (part.file->stamp && part.first != part.end) {
+        lines.filled.push_back({count - 1, *part.file->stamp});
+      }
     }
+    lines.lacksFiles = lacksFiles_;
+    lines.all = areAsRead && count == lines_.size() ? std::move(lines_) : copies(parts);
+    return lines;
   }
 
-  std::optional<Part<Line>> readPart(const Archived& from) {
-    const std::size_t troublesBefore = evidence_.troubles.size();
-    const std::optional<std::string> text = directory_.read(from.name, evidence_.troubles);
-    lacksFiles_ = lacksFiles_ || evidence_.troubles.size() > troublesBefore;
-    if (!text) {
-      return std::nullopt;
+  std::vector<Line> copies(const std::vector<Part>& parts) {
+    std::vector<Line> lines;
+    lines.reserve(lines_.size());
+    for (const Part& part : parts) {
+      lines.insert(lines.end(), linesOf(part).begin(), linesOf(part).end());
     }
-    const auto file = static_cast<std::uint32_t>(evidence_.files.size());
-    evidence_.files.push_back(from.name);
-    Part<Line> part{from.name, from.stamp, {}};
-    part.lines.reserve(kFullHistoryLines);
-    eachLine(*text, [&](std::string_view line, std::uint32_t number) {
-      readLine(line, {file, number, number}, part.lines);
+    return lines;
+  }
+
+  Part readPart(const Archived& file, std::string_view text, std::uint32_t name) {
+    Part part = {&file, lines_.size(), 0};
+    eachLine(text, [&](std::string_view line, std::uint32_t number) {
+      readLine(line, {name, number, number}, file.name);
     });
+    part.end = lines_.size();
     return part;
   }
 
   /// A line that followed on a cut one, or on one without a newline, is read all the same.
-  void readLine(std::string_view text, Source from, std::vector<Line>& lines) {
-    const std::size_t linesBefore = lines.size();
+  void readLine(std::string_view text, Source from, const std::string& name) {
+    const std::size_t linesBefore = lines_.size();
     while (!text.empty()) {
       std::optional<Line> line = format_.parse(text);
       const std::size_t begin = line ? 0 : format_.findLast(text);
@@ -186,35 +221,29 @@ class HistoryReader {
         line = format_.parse(text.substr(begin));
       }
       if (!line) {
-        evidence_.troubles.push_back({evidence_.files[from.file], from.first,
-                                      lines.size() == linesBefore
-                                          ? "it is no line of this history"
-                                          : "it begins with a line that was cut"});
+        troubles_.push_back({name, from.first,
+                             lines_.size() == linesBefore ? "it is no line of this history"
+                                                          : "it begins with a line that was cut"});
         break;
       }
       line->from = from;
-      lines.push_back(std::move(*line));
+      lines_.push_back(std::move(*line));
       text = text.substr(0, begin);
     }
-    std::reverse(lines.begin() + static_cast<std::ptrdiff_t>(linesBefore), lines.end());
+    std::reverse(lines_.begin() + static_cast<std::ptrdiff_t>(linesBefore), lines_.end());
   }
 
-  const LogDirectory& directory_;
+  FileReader files_;
   const Format<Line>& format_;
-  Evidence& evidence_;
-  bool lacksFiles_ = false;
+  const Archived live_;
+  const std::vector<Archived>& archived_;
+  /// The place of the first archived file among the names of all.
+  const std::uint32_t firstName_;
+  Troubles troubles_;
+  std::optional<std::string> liveText_;
+  bool lacksFiles_;
+  std::vector<Line> lines_;
 };
-
-void readHistories(const LogDirectory& directory, const Listing& listing, Evidence& evidence) {
-  evidence.results =
-      HistoryReader(directory, kResultFormat, evidence).read(kHistories[0], listing.of[0]);
-  evidence.reverse =
-      HistoryReader(directory, kReverseFormat, evidence).read(kHistories[1], listing.of[1]);
-  evidence.forward =
-      HistoryReader(directory, kForwardFormat, evidence).read(kHistories[2], listing.of[2]);
-  evidence.pings =
-      HistoryReader(directory, kPingFormat, evidence).read(kHistories[3], listing.of[3]);
-}
 
 /// Says that the log of outputs was there, as the last of the files up to now.
 void keepOutputs(Evidence& evidence) {
@@ -222,18 +251,19 @@ void keepOutputs(Evidence& evidence) {
   evidence.files.emplace_back(kPingVerbose);
 }
 
-void readOutputs(const LogDirectory& directory, Evidence& evidence) {
+Troubles readOutputs(const LogDirectory& directory, Evidence& evidence) {
+  Troubles troubles;
   PingOutputReader reader(evidence.outputs);
   const auto file = static_cast<std::uint32_t>(evidence.files.size());
-  if (directory.readLines(
-          kPingVerbose, evidence.troubles,
-          [&](std::string_view line, std::uint32_t number) { reader.take(line, file, number); })) {
+  if (directory.readLines(kPingVerbose, troubles, [&](std::string_view line, std::uint32_t number) {
+        reader.take(line, file, number);
+      })) {
     keepOutputs(evidence);
     if (reader.linesBefore() > 0) {
-      evidence.troubles.push_back(
-          {kPingVerbose, 1, "the output that it belongs to has no beginning"});
+      troubles.push_back({kPingVerbose, 1, "the output that it belongs to has no beginning"});
     }
   }
+  return troubles;
 }
 
 /// Reads at least `count` outputs from the end of their log, if there are so many.
@@ -266,16 +296,43 @@ std::optional<Iperf3Report> readReport(const LogDirectory& directory, const char
   return report;
 }
 
+void add(const Troubles& troubles, Evidence& evidence) {
+  evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
+}
+
+/// Reads the histories and the log of outputs beside each other.
+void readLogs(const LogDirectory& directory, const Listing& listing, std::optional<LocalTime> since,
+              Evidence& evidence) {
+  const auto readerOf = [&](std::size_t kind, const auto& format) {
+    return HistoryReader(directory, format, kHistories[kind], listing.of[kind], evidence.files);
+  };
+  HistoryReader results = readerOf(0, kResultFormat);
+  HistoryReader reverse = readerOf(1, kReverseFormat);
+  HistoryReader forward = readerOf(2, kForwardFormat);
+  HistoryReader pings = readerOf(3, kPingFormat);
+  auto resultLines = std::async([&] { return results.read(); });
+  auto reverseLines = std::async([&] { return reverse.read(); });
+  auto forwardLines = std::async([&] { return forward.read(); });
+  auto pingLines = std::async([&] { return pings.read(); });
+  const Troubles ofOutputs = since ? Troubles() : readOutputs(directory, evidence);
+  evidence.results = resultLines.get();
+  evidence.reverse = reverseLines.get();
+  evidence.forward = forwardLines.get();
+  evidence.pings = pingLines.get();
+  for (const Troubles& troubles :
+       {results.troubles(), reverse.troubles(), forward.troubles(), pings.troubles(), ofOutputs}) {
+    add(troubles, evidence);
+  }
+}
+
 Evidence readOnce(const LogDirectory& directory, const Listing& listing,
                   std::optional<LocalTime> since) {
   Evidence evidence;
-  readHistories(directory, listing, evidence);
+  readLogs(directory, listing, since, evidence);
   std::optional<std::size_t> count;
   if (since) {
     count = evidence.pings.all.size() + evidence.results.all.size();
     readLastOutputs(directory, *count, evidence);
-  } else {
-    readOutputs(directory, evidence);
   }
   evidence.journal = readJournal(directory, count, evidence.files, evidence.troubles);
   evidence.forwardReport = readReport(directory, kForwardFiles.report, evidence.troubles);
@@ -292,7 +349,7 @@ Evidence readUntilStable(const LogDirectory& directory, std::optional<LocalTime>
   for (int reading = 1;; ++reading) {
     Evidence evidence = readOnce(directory, listing, since);
     evidence.endedRun = endedRun;
-    evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
+    add(troubles, evidence);
     if (directory.archiveRestsSince(begin)) {
       return evidence;
     }

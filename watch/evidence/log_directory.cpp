@@ -23,19 +23,19 @@ constexpr char kArchive[] = "archive/";
 constexpr std::string_view kEnding = ".log";
 constexpr std::size_t kChunk = std::size_t{256} * 1024;
 
-/// An open file. A FIFO or a device, which could block, is refused.
+constexpr int kToRead = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+
+/// An open file. A FIFO or a device, which could block or never end, is refused.
 class OpenFile {
  public:
-  OpenFile(const std::filesystem::path& folder, const std::string& name, Troubles& troubles)
-      : descriptor_(
-            open((folder.native() + '/' + name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
-        name_(name),
-        troubles_(troubles) {
+  /// Takes over what open() has returned, with errno. `isFile` says that it is known to be one.
+  OpenFile(int descriptor, const std::string& name, Troubles& troubles, bool isFile = false)
+      : descriptor_(descriptor), name_(name), troubles_(troubles) {
     if (descriptor_ < 0) {
       if (errno != ENOENT) {
         fail(std::strerror(errno));
       }
-    } else if (fstat(descriptor_, &status_) != 0 || !S_ISREG(status_.st_mode)) {
+    } else if (!isFile && (fstat(descriptor_, &status_) != 0 || !S_ISREG(status_.st_mode))) {
       fail("it is no file");
       close(descriptor_);
       descriptor_ = -1;
@@ -50,6 +50,7 @@ class OpenFile {
   OpenFile& operator=(const OpenFile&) = delete;
 
   bool isOpen() const { return descriptor_ >= 0; }
+  /// 0 of what was known to be a file.
   std::size_t size() const { return static_cast<std::size_t>(status_.st_size); }
   void goTo(std::size_t place) const { lseek(descriptor_, static_cast<off_t>(place), SEEK_SET); }
 
@@ -62,26 +63,25 @@ class OpenFile {
     return count < 0 ? 0 : static_cast<std::size_t>(count);
   }
 
-  /// Reads up to the end, at which a read has less than it asked for.
-  std::string rest(std::size_t expected) {
-    std::string text;
-    std::size_t length = 0;
-    do {
-      text.resize(std::max(length + kReserve, expected + 1));
-      length += read(text.data() + length, text.size() - length);
-    } while (length == text.size());
+  /// Reads up to the end, at which a read has less than it asked for, into `text`.
+  void readRest(std::size_t expected, std::string& text) {
+    text.resize(std::max(expected + 1, kLeast));
+    std::size_t length = read(text.data(), text.size());
+    while (length == text.size()) {
+      text.resize(2 * length);
+      length += read(text.data() + length, length);
+    }
     text.resize(length);
-    return text;
   }
 
  private:
-  static constexpr std::size_t kReserve = 512;
+  static constexpr std::size_t kLeast = 4096;
 
   void fail(const char* why) { troubles_.push_back({name_, 0, why}); }
 
   int descriptor_;
   struct stat status_ {};
-  std::string name_;
+  const std::string& name_;
   Troubles& troubles_;
 };
 
@@ -130,28 +130,36 @@ bool isJournal(std::string_view name) {
   return year.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+/// The name of an archived file, and whether the folder tells that it is a regular one.
+struct Name {
+  std::string text;
+  bool isFile;
+};
+
 /// The names of a history's archived files. Of those that were full before `since`, the newest two
 /// alone: what is wanted may begin in the middle of one, and a wrong clock may have misnamed
 /// another.
 class Names {
  public:
-  void add(std::string_view name, std::string_view stamp, const std::string& since) {
+  void add(std::string_view name, bool isFile, std::string_view stamp, std::string_view since) {
     if (stamp >= since || stamp.size() != since.size()) {
-      names_.emplace_back(name);
+      names_.push_back({std::string(name), isFile});
     } else if (older_.size() < kNeighbours) {
-      older_.emplace_back(name);
-    } else if (const auto oldest = std::ranges::min_element(older_); *oldest < name) {
-      *oldest = name;
+      older_.push_back({std::string(name), isFile});
+    } else if (const auto oldest = std::ranges::min_element(older_, {}, &Name::text);
+               oldest->text < name) {
+      *oldest = {std::string(name), isFile};
     }
   }
 
   std::vector<Archived> sorted(std::size_t kind) && {
     names_.insert(names_.end(), older_.begin(), older_.end());
-    std::ranges::sort(names_);
+    std::ranges::sort(names_, {}, &Name::text);
     std::vector<Archived> files;
     files.reserve(names_.size());
-    for (const std::string& name : names_) {
-      files.push_back({kArchive + name, parseStamp(stampTextOf(name, kind))});
+    for (const Name& name : names_) {
+      files.push_back(
+          {kArchive + name.text, parseStamp(stampTextOf(name.text, kind)), name.isFile});
     }
     return files;
   }
@@ -159,8 +167,8 @@ class Names {
  private:
   static constexpr std::size_t kNeighbours = 2;
 
-  std::vector<std::string> names_;
-  std::vector<std::string> older_;
+  std::vector<Name> names_;
+  std::vector<Name> older_;
 };
 
 }  // namespace
@@ -178,8 +186,9 @@ Listing LogDirectory::list(std::optional<LocalTime> since, Troubles& troubles) c
   const std::string sinceStamp = since ? formatStamp(*since) : "";
   Names names[std::size(kHistories)];
   while (const dirent* const entry = readdir(folder.get())) {
-    if (const auto kind = historyOf(entry->d_name)) {
-      names[*kind].add(entry->d_name, stampTextOf(entry->d_name, *kind), sinceStamp);
+    const std::string_view name = entry->d_name;
+    if (const auto kind = historyOf(name)) {
+      names[*kind].add(name, entry->d_type == DT_REG, stampTextOf(name, *kind), sinceStamp);
     }
   }
   for (std::size_t kind = 0; kind < std::size(kHistories); ++kind) {
@@ -207,14 +216,19 @@ bool LogDirectory::archiveRestsSince(std::filesystem::file_time_type moment) con
   return !failed && changed < moment - std::chrono::seconds(1);
 }
 
+int LogDirectory::open(const std::string& name) const {
+  return ::open((path_.native() + '/' + name).c_str(), kToRead);
+}
+
 std::optional<std::string> LogDirectory::read(const std::string& name, Troubles& troubles) const {
-  OpenFile file(path_, name, troubles);
-  return file.isOpen() ? std::optional(file.rest(file.size())) : std::nullopt;
+  FileReader file(*this);
+  const auto text = file.read({name, std::nullopt}, troubles);
+  return text ? std::optional(std::string(*text)) : std::nullopt;
 }
 
 std::optional<std::string> LogDirectory::readEnd(const std::string& name, std::size_t bytes,
                                                  bool& isWhole, Troubles& troubles) const {
-  OpenFile file(path_, name, troubles);
+  OpenFile file(open(name), name, troubles);
   isWhole = !file.isOpen() || file.size() <= bytes;
   if (!file.isOpen()) {
     return std::nullopt;
@@ -222,11 +236,13 @@ std::optional<std::string> LogDirectory::readEnd(const std::string& name, std::s
   if (!isWhole) {
     file.goTo(file.size() - bytes);
   }
-  return file.rest(std::min(bytes, file.size()));
+  std::string text;
+  file.readRest(std::min(bytes, file.size()), text);
+  return text;
 }
 
 bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const Take& take) const {
-  OpenFile file(path_, name, troubles);
+  OpenFile file(open(name), name, troubles);
   if (!file.isOpen()) {
     return false;
   }
@@ -251,6 +267,30 @@ bool LogDirectory::readLines(const std::string& name, Troubles& troubles, const 
     take(withoutCarriageReturn(buffer), ++number);
   }
   return true;
+}
+
+FileReader::FileReader(const LogDirectory& directory)
+    : folder_(::open(directory.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+      failure_(folder_ < 0 ? errno : 0) {}
+
+FileReader::~FileReader() {
+  if (folder_ >= 0) {
+    close(folder_);
+  }
+}
+
+int FileReader::open(const std::string& name) const {
+  errno = failure_;
+  return folder_ < 0 ? -1 : openat(folder_, name.c_str(), kToRead);
+}
+
+std::optional<std::string_view> FileReader::read(const Archived& file, Troubles& troubles) {
+  OpenFile opened(open(file.name), file.name, troubles, file.isFile);
+  if (!opened.isOpen()) {
+    return std::nullopt;
+  }
+  opened.readRest(opened.size(), text_);
+  return text_;
 }
 
 std::optional<LogDirectory> ownDirectory() {

@@ -27,6 +27,8 @@ struct Archived {
   /// What its name tells: the start of the run that filled it, or the moment of the move before in
   /// that run. Nothing where it is no stamp.
   std::optional<LocalTime> stamp;
+  /// The folder tells that it is a regular file, so that it need not be asked itself.
+  bool isFile = false;
 
   bool operator==(const Archived&) const = default;
 };
@@ -68,7 +70,29 @@ class LogDirectory {
                                      Troubles& troubles) const;
 
  private:
+  int open(const std::string& name) const;
+
   std::filesystem::path path_;
+};
+
+/// Reads whole files of a log directory, one after the other, into the same memory.
+class FileReader {
+ public:
+  explicit FileReader(const LogDirectory& directory);
+  FileReader(const FileReader&) = delete;
+  FileReader& operator=(const FileReader&) = delete;
+  ~FileReader();
+
+  /// As LogDirectory::read() does. What is returned holds until the next call.
+  std::optional<std::string_view> read(const Archived& file, Troubles& troubles);
+
+ private:
+  int open(const std::string& name) const;
+
+  int folder_;
+  /// Why the folder is not open, as an errno.
+  int failure_;
+  std::string text_;
 };
 
 /// The user's own, which need not be there; nothing without HOME.

@@ -391,10 +391,14 @@ TEST_F(EvidenceOf, WhatIsNoFileIsATroubleAndBlocksNothing) {
   fs::create_symlink("iperf3_latest-R.log", at("iperf3_latest-R.log"));
   fs::create_symlink("missing", at("iperf3_history_forward_csv.log"));
   fs::create_directories(at("archive/connection_test_results_history_20261116T050200.log"));
+  fs::create_symlink("/dev/zero", at("archive/iperf3_history_forward_20261116T050200.log"));
+  ASSERT_EQ(mkfifo(at("archive/ping_history_20261116T050200.log").c_str(), 0600), 0);
 
   EXPECT_EQ(read(),
             "trouble archive/connection_test_results_history_20261116T050200.log:0 it is no file\n"
+            "trouble archive/iperf3_history_forward_20261116T050200.log:0 it is no file\n"
             "trouble ping_history.log:0 it is no file\n"
+            "trouble archive/ping_history_20261116T050200.log:0 it is no file\n"
             "trouble ping_history_verbose.log:0 it is no file\n"
             "trouble iperf3_latest.log:0 it is no file\n"
             "trouble iperf3_latest-R.log:0 Too many levels of symbolic links\n");

@@ -136,10 +136,10 @@ TEST(LogDirectoryListing, HoldsTheArchivesOfEachHistoryByName) {
   const Listing all = folder.directory().list(std::nullopt, troubles);
   const Listing recent = folder.directory().list(parseStamp("20261116T050200"), troubles);
 
-  const Archived results = {"archive/connection_test_results_history_.log", std::nullopt};
-  const Archived forward = {"archive/iperf3_history_forward_x.log", std::nullopt};
+  const Archived results = {"archive/connection_test_results_history_.log", std::nullopt, true};
+  const Archived forward = {"archive/iperf3_history_forward_x.log", std::nullopt, true};
   const auto pings = [](const char* text) {
-    return Archived{std::string("archive/ping_history_") + text + ".log", parseStamp(text)};
+    return Archived{std::string("archive/ping_history_") + text + ".log", parseStamp(text), true};
   };
   const Archived oldest = pings("20261013T050200");
   const Archived older = pings("20261014T050200");
