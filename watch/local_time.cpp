@@ -1,11 +1,9 @@
 #include "local_time.h"
 
-#include "evidence/text.h"
-
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 namespace watch {
 
@@ -26,10 +24,14 @@ std::int32_t askForOffset(EpochSeconds moment) {
 }
 
 std::optional<unsigned> digits(std::string_view text, std::size_t from, std::size_t count) {
-  const std::string_view part = text.substr(from, count);
-  return part.find_first_not_of("0123456789") == std::string_view::npos
-             ? wholeNumber<unsigned>(part)
-             : std::nullopt;
+  unsigned number = 0;
+  for (const char c : text.substr(from, count)) {
+    if (c < '0' || c > '9') {
+      return std::nullopt;
+    }
+    number = number * 10 + static_cast<unsigned>(c - '0');
+  }
+  return number;
 }
 
 }  // namespace
@@ -125,15 +127,15 @@ std::string isoLocal(EpochSeconds moment) {
   const std::int32_t offset = utcOffset(moment);
   const Calendar c = calendar({moment + offset});
   const std::int32_t minutes = std::abs(offset) / 60;
-  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}{:02}:{:02}", c.year, c.month, c.day,
-                     c.hour, c.minute, c.second, offset < 0 ? '-' : '+', minutes / 60,
-                     minutes % 60);
+  return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}{:02}:{:02}"), c.year,
+                     c.month, c.day, c.hour, c.minute, c.second, offset < 0 ? '-' : '+',
+                     minutes / 60, minutes % 60);
 }
 
 std::string isoUtc(EpochSeconds moment) {
   const Calendar c = calendar({moment});
-  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", c.year, c.month, c.day, c.hour,
-                     c.minute, c.second);
+  return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z"), c.year, c.month, c.day,
+                     c.hour, c.minute, c.second);
 }
 
 std::optional<EpochSeconds> parseIsoLocal(std::string_view text) {
