@@ -22,7 +22,7 @@ class ColumnSink : public RecordSink {
   void numbers(const char* key, std::initializer_list<double> /*values*/) override {
     add(key, ColumnKind::text);
   }
-  void sources(const char* key, const std::vector<Source>& /*value*/) override {
+  void sources(const char* key, std::span<const Source> /*value*/) override {
     add(key, ColumnKind::text);
   }
 
@@ -53,7 +53,7 @@ void FlatSink::numbers(const char* key, std::initializer_list<double> values) {
   text(key, fmt::format("{}", fmt::join(values, " ")));
 }
 
-void FlatSink::sources(const char* key, const std::vector<Source>& value) {
+void FlatSink::sources(const char* key, std::span<const Source> value) {
   std::string all;
   for (const Source& from : value) {
     all += fmt::format("{}{}:{}", all.empty() ? "" : " ", files_[from.file], from.first);

@@ -31,7 +31,7 @@ class FlatSink : public RecordSink {
   void numbers(const char* key, std::initializer_list<double> values) override;
   /// "archive/ping_history_20261121T050112.log:10", with a range behind the colon where there are
   /// several lines, and a blank between several.
-  void sources(const char* key, const std::vector<Source>& value) override;
+  void sources(const char* key, std::span<const Source> value) override;
 
  private:
   const std::vector<std::string>& files_;

@@ -32,7 +32,7 @@ class Members {
     value ? sink_.whole(key, static_cast<std::int64_t>(*value)) : sink_.nothing(key);
   }
   void source(const char* key, const Source& from) {
-    sink_.sources(key, from.isThere() ? std::vector<Source>{from} : std::vector<Source>());
+    sink_.sources(key, {&from, from.isThere() ? 1U : 0U});
   }
 
  private:

@@ -7,9 +7,9 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace watch {
 
@@ -30,7 +30,7 @@ class RecordSink {
   virtual void whole(const char* key, std::int64_t value) = 0;
   virtual void number(const char* key, double value) = 0;
   virtual void numbers(const char* key, std::initializer_list<double> values) = 0;
-  virtual void sources(const char* key, const std::vector<Source>& value) = 0;
+  virtual void sources(const char* key, std::span<const Source> value) = 0;
 };
 
 /// Gives the members of the record of `run` to `sink`.
