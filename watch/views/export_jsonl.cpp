@@ -1,6 +1,8 @@
 #include "views/export.h"
 #include "views/record.h"
 
+#include <algorithm>
+#include <future>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
@@ -49,7 +51,7 @@ class JsonSink : public RecordSink {
     }
     json_.EndArray();
   }
-  void sources(const char* key, const std::vector<Source>& value) override {
+  void sources(const char* key, std::span<const Source> value) override {
     json_.Key(key);
     json_.StartArray();
     for (const Source& from : value) {
@@ -71,17 +73,32 @@ class JsonSink : public RecordSink {
   const std::vector<std::string>& files_;
 };
 
+rapidjson::StringBuffer linesOf(std::span<const Run> runs, const std::vector<std::string>& files) {
+  rapidjson::StringBuffer lines;
+  for (const Run& run : runs) {
+    JsonSink line(lines, files);
+    writeRecord(run, line);
+    line.endLine();
+    lines.Put('\n');
+  }
+  return lines;
+}
+
 }  // namespace
 
 void exportJsonl(std::span<const Run> runs, const std::vector<std::string>& files, Output& output) {
-  rapidjson::StringBuffer buffer;
-  for (const Run& run : runs) {
-    buffer.Clear();
-    JsonSink line(buffer, files);
-    writeRecord(run, line);
-    line.endLine();
-    buffer.Put('\n');
-    output.write({buffer.GetString(), buffer.GetSize()});
+  constexpr std::size_t kBlock = 512;
+  const auto blockAt = [&](std::size_t place) {
+    const auto rest = runs.subspan(std::min(place, runs.size()));
+    return linesOf(rest.first(std::min(rest.size(), kBlock)), files);
+  };
+  const auto write = [&](const rapidjson::StringBuffer& lines) {
+    output.write({lines.GetString(), lines.GetSize()});
+  };
+  for (std::size_t place = 0; place < runs.size(); place += 2 * kBlock) {
+    auto next = std::async(blockAt, place + kBlock);
+    write(blockAt(place));
+    write(next.get());
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <sqlite3.h>
@@ -76,6 +77,27 @@ TEST_F(Export, WritesEachRunAsAnObjectOfAllMembers) {
   write(exportJsonl, {okRun(kNow), orphan()});
 
   EXPECT_EQ(readFile(file), std::string(kWhole) + "\n" + kOrphan + "\n");
+}
+
+TEST_F(Export, KeepsTheOrderOfManyRuns) {
+  constexpr std::string_view kServer = R"("server":)";
+  const std::size_t server = std::string_view(kOrphan).find(kServer) + kServer.size();
+  for (const std::size_t count : {511U, 512U, 513U, 1024U, 1025U, 1300U}) {
+    SCOPED_TRACE(count);
+    std::vector<watch::Run> runs;
+    std::string lines;
+    for (std::size_t i = 0; i < count; ++i) {
+      runs.push_back(orphan());
+      runs.back().server = std::to_string(i);
+      lines += std::string(kOrphan).replace(server, std::strlen("null"),
+                                            '"' + runs.back().server + '"') +
+               "\n";
+    }
+
+    write(exportJsonl, runs);
+
+    EXPECT_TRUE(readFile(file) == lines);
+  }
 }
 
 TEST_F(Export, EscapesInJsonWhatCouldEndAString) {
