@@ -11,8 +11,11 @@ namespace {
 /// By how much a way may cost more than the best one so far, to be followed all the same. Without
 /// a margin the best way is found when it costs the least that it can.
 constexpr int kMargins[] = {0, 30, 100};
-/// No more places are weighed than this. What was found with a smaller margin holds then. Where
-/// that is nothing, only the best few places of each layer are, and all is doubtful.
+/// No more places are weighed than these, of which a longer stretch has more, up to a limit. What
+/// was found with a smaller margin holds then. Where that is nothing, only the best few places of
+/// each layer are, and all is doubtful.
+constexpr std::size_t kPlacesOfAnyStretch = 20'000;
+constexpr std::size_t kPlacesOfALayer = 16;
 constexpr std::size_t kMostPlaces = 500'000;
 constexpr std::size_t kFewPlaces = 4;
 
@@ -115,6 +118,9 @@ class Stretch {
   };
 
   std::size_t layerCount() const { return sum(end_) - sum(start_) + 1; }
+  std::size_t mostPlaces() const {
+    return std::min(kMostPlaces, kPlacesOfAnyStretch + kPlacesOfALayer * layerCount());
+  }
 
   /// Finds what it costs to come to each place, up to the end. Without a limit for each layer,
   /// returns nothing if these are too many.
@@ -124,7 +130,7 @@ class Stretch {
     frontier.add(0, nodeAt(start_, 0));
     for (std::size_t layer = 0; layer < layerCount(); ++layer) {
       close(frontier, layer, margin, mostOfLayer, weighed);
-      if (!mostOfLayer && weighed.nodes.size() > kMostPlaces) {
+      if (!mostOfLayer && weighed.nodes.size() > mostPlaces()) {
         return std::nullopt;
       }
       for (std::size_t i = weighed.layers[layer]; i < weighed.layers[layer + 1]; ++i) {

@@ -84,6 +84,23 @@ TEST(Alignment, WeighsALongStretchOfEqualElements) {
   EXPECT_TRUE(std::ranges::all_of(rows, [](const Row<2>& row) { return row.doubtful != 0; }));
 }
 
+TEST(Alignment, WeighsAsManyPlacesAsTheStretchIsLong) {
+  const struct {
+    std::size_t length;
+    std::size_t more;
+    bool isWeighed;
+  } cases[] = {{100, 100, true}, {1000, 50, true}, {1000, 60, false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.length);
+    SCOPED_TRACE(c.more);
+
+    const auto rows =
+        align(letters("x" + std::string(c.length + c.more, 'a'), "x" + std::string(c.length, 'a')));
+
+    EXPECT_EQ(rows.front().doubtful == 0, c.isWeighed);
+  }
+}
+
 TEST(Alignment, KeepsTheOrderOfWhatIsTooMuchToWeigh) {
   constexpr std::size_t kLength = 5'000;
   constexpr std::size_t kMore = 200;
