@@ -300,7 +300,8 @@ void add(const Troubles& troubles, Evidence& evidence) {
   evidence.troubles.insert(evidence.troubles.end(), troubles.begin(), troubles.end());
 }
 
-/// Reads the histories and the log of outputs beside each other.
+/// Reads the histories and the log of outputs, beside each other when it is all of them: for a few
+/// files, threads would take longer.
 void readLogs(const LogDirectory& directory, const Listing& listing, std::optional<LocalTime> since,
               Evidence& evidence) {
   const auto readerOf = [&](std::size_t kind, const auto& format) {
@@ -310,10 +311,11 @@ void readLogs(const LogDirectory& directory, const Listing& listing, std::option
   HistoryReader reverse = readerOf(1, kReverseFormat);
   HistoryReader forward = readerOf(2, kForwardFormat);
   HistoryReader pings = readerOf(3, kPingFormat);
-  auto resultLines = std::async([&] { return results.read(); });
-  auto reverseLines = std::async([&] { return reverse.read(); });
-  auto forwardLines = std::async([&] { return forward.read(); });
-  auto pingLines = std::async([&] { return pings.read(); });
+  const auto how = since ? std::launch::deferred : std::launch::async | std::launch::deferred;
+  auto resultLines = std::async(how, [&] { return results.read(); });
+  auto reverseLines = std::async(how, [&] { return reverse.read(); });
+  auto forwardLines = std::async(how, [&] { return forward.read(); });
+  auto pingLines = std::async(how, [&] { return pings.read(); });
   const Troubles ofOutputs = since ? Troubles() : readOutputs(directory, evidence);
   evidence.results = resultLines.get();
   evidence.reverse = reverseLines.get();
