@@ -5,15 +5,19 @@ them.
 usage: export_test.py CONNWATCH CASE
 """
 
+import collections
 import json
 import os
 import pathlib
 import random
+import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 import hold_to_truth
+import make_journal
 import make_logs
 
 ZONE = "Europe/Berlin"
@@ -26,7 +30,7 @@ def make(directory, *options):
 
 def export(logs):
     return subprocess.run([sys.argv[1], "export", "jsonl", "--from", logs], check=True,
-                          capture_output=True, env={**os.environ, "TZ": ZONE}).stdout
+                          capture_output=True).stdout
 
 
 def records(logs):
@@ -111,15 +115,50 @@ def do_not_change_when_a_run_is_added(place):
         previous = now
 
 
+def are_beyond_doubt_with_a_journal(place):
+    """All is told as without it, but for the times, which it knows. Of the outputs of pings, some stay
+    orphans: their figures are in the journal."""
+    made = [make(f"{place}/{seed}", "--mix", "hard", "--runs", "200", "--seed", str(seed))
+            for seed in range(41, 45)]
+    counts = collections.Counter()
+    for example in (*made, copy_of_hard_example(place)):
+        make_journal.write_journal(example)
+        truths = hold_to_truth.read_lines(example / "truth.jsonl")
+        told = [record for record in records(example / "log") if not record["orphan"]]
+        for truth in truths:
+            if truth.get("files"):
+                truth["says"] |= {"time": ["journal", truth["clock_start"]], "orphan": False,
+                                  "fold_unresolved": False}
+                truth["files"]["verbose"] = []
+        for record in told:
+            record["from"]["verbose"] = []
+        told = [record for record in told if any(record["from"][kind] for kind in hold_to_truth.KINDS)]
+        comparison = hold_to_truth.Comparison(truths, told)
+        comparison.hold()
+        comparison.print()
+        counts += comparison.counts
+    if counts["wrong"]:
+        sys.exit("FAILED: the journal makes runs wrong")
+    if counts["unsure"] * 30 > counts["equal"]:
+        sys.exit("FAILED: the journal leaves doubts")
+
+
+def copy_of_hard_example(place):
+    return pathlib.Path(shutil.copytree(pathlib.Path(__file__).parent / "data/hard", f"{place}/hard"))
+
+
 CASES = {
     "OfAllKindsAreTrue": of_all_kinds_are_true,
     "OfTheHardExampleAreTrue": of_the_hard_example_are_true,
     "OfAHomeLineAreTrue": of_a_home_line_are_true,
+    "AreBeyondDoubtWithAJournal": are_beyond_doubt_with_a_journal,
     "AreTheSameTwice": are_the_same_twice,
     "DoNotDependOnTheNamesInTheArchive": do_not_depend_on_the_names_in_the_archive,
     "DoNotChangeWhenARunIsAdded": do_not_change_when_a_run_is_added,
 }
 
 if __name__ == "__main__":
+    os.environ["TZ"] = ZONE
+    time.tzset()
     with tempfile.TemporaryDirectory() as temporary:
         CASES[sys.argv[2]](temporary)
