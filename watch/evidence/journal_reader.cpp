@@ -26,13 +26,7 @@ class JournalReader {
     begin(name);
     const Troubles before = troubles_;
     for (std::size_t bytes = (count + 1) * kUsualBytes;; bytes *= 4) {
-      bool isWhole = true;
-      const auto text = directory_.readEnd(name, bytes, isWhole, troubles_);
-      eachLine(text.value_or(""), [&](std::string_view line, std::uint32_t number) {
-        if (isWhole || number > 1) {
-          take(line, 0);
-        }
-      });
+      const bool isWhole = takeEnd(name, bytes);
       if (isWhole || lines_.size() >= count) {
         return std::move(lines_);
       }
@@ -46,6 +40,19 @@ class JournalReader {
     file_ = static_cast<std::uint32_t>(files_.size());
     files_.push_back(name);
     lines_ = {};
+  }
+
+  /// Takes the lines of the last `bytes`, but for a first one that is not whole. Returns whether
+  /// these are all.
+  bool takeEnd(const std::string& name, std::size_t bytes) {
+    bool isWhole = true;
+    const std::string text = directory_.readEnd(name, bytes, isWhole, troubles_).value_or("");
+    eachLine(text, [&](std::string_view line, std::uint32_t number) {
+      if (isWhole || number > 1) {
+        take(line, 0);
+      }
+    });
+    return isWhole;
   }
 
   void take(std::string_view text, std::uint32_t number) {

@@ -21,9 +21,9 @@ inline constexpr int kRunHasFailed = 2;
 inline constexpr int kNoRun = 3;
 inline constexpr int kRunIsBusy = 75;
 
-/// Makes one run, keeps its reports in the journal, and returns its exit status. Figures go to standard output, the line of the test
-/// that goes on to standard error. A signal that ends programs ends the run and all its tools, and
-/// then this program.
+/// Makes one run, keeps its reports in the journal, and returns its exit status. Figures go to
+/// standard output, the line of the test that goes on to standard error. A signal that ends
+/// programs ends the run and all its tools, and then this program.
 int guardedRun(const RunRequest& request);
 
 }  // namespace watch

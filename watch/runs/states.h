@@ -14,7 +14,7 @@ struct RateFacts {
   /// The report of the same test.
   const Iperf3Report* report = nullptr;
   /// What iperf3, or its adapter, has complained of then.
-  std::string_view said = "";
+  std::string_view said{};
   /// The line is that of the test before once more.
   bool isRepeated = false;
   /// The result shows a rate, so that there was a line, or its file can't be read.
@@ -31,7 +31,7 @@ struct PingFacts {
   /// Pings are switched off, or no run has left any trace of one.
   bool isOff = false;
   /// What ping, or its adapter, has complained of then.
-  std::string_view said = "";
+  std::string_view said{};
 };
 
 Rate judge(const RateFacts& facts);
