@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <fmt/compile.h>
+#include <filesystem>
 
 namespace watch {
 
@@ -93,6 +95,31 @@ LocalTime fromCalendar(const Calendar& calendar) {
                                     std::chrono::day(calendar.day);
   return {day.time_since_epoch().count() * kDaySeconds + std::int64_t{calendar.hour} * 3600 +
           std::int64_t{calendar.minute} * 60 + calendar.second};
+}
+
+std::int64_t dayNumber(LocalTime local) {
+  return std::chrono::floor<std::chrono::days>(std::chrono::seconds(local.seconds)).count();
+}
+
+EpochSeconds noonOf(std::int64_t day) {
+  return moments({day * kDaySeconds + kDaySeconds / 2}).first;
+}
+
+std::string zoneName() {
+  constexpr std::string_view kFolder = "zoneinfo/";
+  const char* const given = std::getenv("TZ");
+  if (given != nullptr && std::strchr(given, '/') != nullptr && *given != ':') {
+    return given;
+  }
+  std::error_code none;
+  const std::string link =
+      given == nullptr ? std::filesystem::read_symlink("/etc/localtime", none).string() : "";
+  if (const std::size_t folder = link.find(kFolder); folder != std::string::npos) {
+    return link.substr(folder + kFolder.size());
+  }
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  return localtime_r(&now, &parts) == nullptr ? "UTC" : parts.tm_zone;
 }
 
 std::optional<LocalTime> parseStamp(std::string_view text) {

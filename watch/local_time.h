@@ -60,6 +60,14 @@ struct Calendar {
 Calendar calendar(LocalTime local);
 LocalTime fromCalendar(const Calendar& calendar);
 
+/// Days of the wall clock since 1970-01-01, which was a Thursday.
+std::int64_t dayNumber(LocalTime local);
+/// A moment in the middle of such a day, when no clock is set.
+EpochSeconds noonOf(std::int64_t day);
+
+/// The name of the workstation's zone: "Europe/Berlin", or what the C library knows of it, "CET".
+std::string zoneName();
+
 /// "2026-11-21T05:01:12+01:00", and "2026-11-21T04:01:12Z".
 std::string isoLocal(EpochSeconds moment);
 std::string isoUtc(EpochSeconds moment);

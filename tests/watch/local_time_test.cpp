@@ -231,5 +231,27 @@ TEST(Calendar, HasTheDayOfTheWeekAndComesBack) {
   }
 }
 
+TEST(Day, IsCountedByTheWallClock) {
+  const Zone berlin("Europe/Berlin");
+
+  EXPECT_EQ(dayNumber({0}), 0);
+  EXPECT_EQ(dayNumber({-1}), -1);
+  EXPECT_EQ(dayNumber({kDaySeconds - 1}), 0);
+  EXPECT_EQ(isoLocal(noonOf(20'751)), "2026-10-25T12:00:00+01:00");
+  EXPECT_EQ(isoLocal(noonOf(20'750)), "2026-10-24T12:00:00+02:00");
+}
+
+TEST(ZoneName, IsThatOfTheVariable) {
+  const Zone berlin("Europe/Berlin");
+
+  EXPECT_EQ(zoneName(), "Europe/Berlin");
+}
+
+TEST(ZoneName, IsWhatTheLibraryKnowsOfARule) {
+  const Zone rule("XYZ-3");
+
+  EXPECT_EQ(zoneName(), "XYZ");
+}
+
 }  // namespace
 }  // namespace watch

@@ -1,21 +1,13 @@
 #include "figures/period.h"
 
+#include "figures/outcome.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace watch {
 
 namespace {
-
-/// Whether the run has tried to reach the server and nothing came back at all.
-bool hadNoConnection(const Run& run) {
-  return run.runClass == Class::failed && !run.orphan &&
-         (run.write.state == RateState::noTest || run.ping.state == PingState::noReply);
-}
-
-bool hadConnection(const Run& run) {
-  return run.runClass != Class::failed || run.ping.received.value_or(0) > 0;
-}
 
 /// Runs are due every so many minutes, which they keep by some seconds.
 EpochSeconds wholeMinutes(EpochSeconds seconds) {

@@ -5,6 +5,19 @@
 
 namespace watch {
 
+namespace {
+
+/// The value in the sorted `values` below which `share` of them lie.
+double atShare(const std::vector<double>& values, double share) {
+  const double place = share * static_cast<double>(values.size() - 1);
+  const double fraction = place - std::floor(place);
+  const auto lower = static_cast<std::size_t>(place);
+  const double below = values[lower];
+  return fraction == 0 ? below : below + fraction * (values[lower + 1] - below);
+}
+
+}  // namespace
+
 std::optional<double> quantile(std::vector<double> values, double share) {
   if (values.empty()) {
     return std::nullopt;
@@ -22,6 +35,15 @@ std::optional<double> quantile(std::vector<double> values, double share) {
 
 std::optional<double> median(std::vector<double> values) {
   return quantile(std::move(values), 0.5);
+}
+
+std::optional<Spread> spread(std::vector<double> values) {
+  if (values.empty()) {
+    return std::nullopt;
+  }
+  std::ranges::sort(values);
+  return Spread{values.size(),        atShare(values, 0.05), atShare(values, 0.25),
+                atShare(values, 0.5), atShare(values, 0.75), atShare(values, 0.95)};
 }
 
 }  // namespace watch

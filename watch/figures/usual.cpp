@@ -15,8 +15,7 @@ constexpr double kOneInTwenty = 1.0 / kTwenty;
 constexpr std::size_t kFewest = 3;
 
 std::int64_t localDay(EpochSeconds moment) {
-  const std::int64_t seconds = localTime(moment).seconds;
-  return (seconds - ((seconds % kDaySeconds) + kDaySeconds) % kDaySeconds) / kDaySeconds;
+  return dayNumber(localTime(moment));
 }
 
 unsigned localHour(EpochSeconds moment) {
