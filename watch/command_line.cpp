@@ -58,6 +58,7 @@ struct Arguments {
   Selection selection;
   std::string run = "1";
   ExportRequest request;
+  ReportRequest reportRequest;
   Limits limits;
   DoctorRequest doctor;
   RunRequest runRequest;
@@ -118,6 +119,32 @@ void addExport(CLI::App& command, ExportRequest& request) {
       ->type_name("");
   addOption(command, "--output", "FILE", "Replace FILE in one step; sqlite needs it",
             [&request](const std::string& path) { request.output = path; });
+}
+
+/// Reads "250/40" or, of the download alone, "250".
+void readContract(const std::string& text, Contract& contract) {
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  const auto rate = [&text](const std::string& part) {
+    constexpr double kMost = 1e6;
+    const auto number = wholeNumber<double>(part);
+    if (!number || !(*number > 0 && *number <= kMost)) {
+      throw badValue("--contract", text, "DOWN/UP in Mbit/s: write 250/40");
+    }
+    return number;
+  };
+  contract.read = rate(text.substr(0, slash));
+  if (slash < text.size()) {
+    contract.write = rate(text.substr(slash + 1));
+  }
+}
+
+void addReport(CLI::App& command, ReportRequest& request) {
+  addOption(command, "--contract", "DOWN/UP", "Hold the rates to the contract's, in Mbit/s: 250/40",
+            [&request](const std::string& text) { readContract(text, request.contract); });
+  addOption(command, "--output", "FILE",
+            "Replace FILE in one step; default: connection-report.html",
+            [&request](const std::string& path) { request.output = path; });
+  command.add_flag("--open", request.isToOpen, "Show the page in the browser");
 }
 
 /// Reads "3/6".
@@ -211,7 +238,8 @@ void addRun(CLI::App& app, RunRequest& request) {
 void addCommands(CLI::App& app, Arguments& arguments) {
   const auto add = [&](const char* name, const char* about) {
     CLI::App* const command = app.add_subcommand(name, about)->group("Commands");
-    addSelection(*command, arguments.selection, command->check_name("summary"));
+    addSelection(*command, arguments.selection,
+                 command->check_name("summary") || command->check_name("report"));
     return command;
   };
   addRun(app, arguments.runRequest);
@@ -223,6 +251,8 @@ void addCommands(CLI::App& app, Arguments& arguments) {
   CLI::App* const check = add("check", "A verdict for scripts and monitoring");
   check->footer(std::string(kTimes) + "\n" + kCheckStatuses);
   addLimits(*check, arguments.limits);
+  addReport(*add("report", "A page of pictures, to look at and to hand on"),
+            arguments.reportRequest);
   addExport(*add("export", "Every run, for other programs"), arguments.request);
   addDoctor(
       *app.add_subcommand("doctor", "What a run would meet, and what to mend")->group("Commands"),
@@ -245,6 +275,9 @@ int run(const CLI::App& app, const Arguments& arguments) {
   }
   if (app.got_subcommand("export")) {
     return exportRuns(arguments.selection, arguments.request, now);
+  }
+  if (app.got_subcommand("report")) {
+    return report(arguments.selection, arguments.reportRequest, now);
   }
   if (app.got_subcommand("doctor")) {
     return doctor(arguments.doctor, now);

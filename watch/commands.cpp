@@ -4,7 +4,11 @@
 #include "evidence/text.h"
 #include "figures/period.h"
 #include "figures/usual.h"
+#include "guard/rewritten_line.h"
 #include "journal/journal.h"
+#include "report/browser.h"
+#include "report/page.h"
+#include "report/station.h"
 #include "runs/join.h"
 #include "views/export.h"
 #include "views/list.h"
@@ -16,10 +20,12 @@
 #include "when.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fmt/format.h>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace watch {
 
@@ -47,7 +53,7 @@ Place userPlace() {
 
 Place placeOf(const Selection& selection) {
   if (selection.from.size() > 1) {
-    throw UsageError("only summary reads several log directories: give --from DIR once");
+    throw UsageError("only summary and report read several log directories: give --from DIR once");
   }
   return selection.from.empty() ? userPlace() : Place{LogDirectory(selection.from.front()), false};
 }
@@ -184,6 +190,45 @@ int sayNoSuchRun(std::span<const Run> runs, const std::string& wanted) {
   return kNothingToRead;
 }
 
+/// The name of this machine, or what else tells the workstation of a log directory.
+std::string nameOf(const Place& place) {
+  std::array<char, 256> name{};
+  return place.isOwn && gethostname(name.data(), name.size() - 1) == 0
+             ? name.data()
+             : place.directory.path().string();
+}
+
+/// The workstation of a log directory, or nothing where no run is in the period.
+std::optional<Station> readStation(const Place& place, const Selection& selection,
+                                   const ReportRequest& request, EpochSeconds now) {
+  RewrittenLine progress;
+  if (styleOf(STDERR_FILENO).canRewrite) {
+    progress.write(fmt::format("Reading {} ...", place.directory.path().string()));
+  }
+  Reading reading = readEnded(place, now);
+  progress.clear();
+  printTroubles(reading.evidence.troubles);
+  std::vector<Run> runs = runsIn(std::move(reading.runs), selection.period);
+  if (runs.empty()) {
+    sayNoRuns(place.directory, selection.period);
+    return std::nullopt;
+  }
+  return lookAt({nameOf(place), place.directory.path().string(), std::move(reading.evidence.files),
+                 std::move(runs)},
+                request.contract);
+}
+
+std::vector<Place> placesOf(const Selection& selection) {
+  if (selection.from.empty()) {
+    return {userPlace()};
+  }
+  std::vector<Place> places;
+  for (const std::filesystem::path& path : selection.from) {
+    places.push_back({LogDirectory(path), false});
+  }
+  return places;
+}
+
 int summarise(const Place& place, const Selection& selection, EpochSeconds now,
               const Style& style) {
   Reading reading = readEnded(place, now);
@@ -234,15 +279,13 @@ int show(const Selection& selection, const std::string& wanted, EpochSeconds now
 
 int summary(const Selection& selection, EpochSeconds now) {
   const Style style = styleOfStandardOutput();
-  if (selection.from.empty()) {
-    return summarise(userPlace(), selection, now, style);
-  }
+  const std::vector<Place> places = placesOf(selection);
   int status = kDone;
-  for (const std::filesystem::path& path : selection.from) {
-    if (&path != &selection.from.front()) {
+  for (const Place& place : places) {
+    if (&place != &places.front()) {
       print("\n");
     }
-    status = std::max(status, summarise({LogDirectory(path), false}, selection, now, style));
+    status = std::max(status, summarise(place, selection, now, style));
   }
   return status;
 }
@@ -279,6 +322,29 @@ int exportRuns(const Selection& selection, const ExportRequest& request, EpochSe
   }
   output.finish();
   return kDone;
+}
+
+int report(const Selection& selection, const ReportRequest& request, EpochSeconds now) {
+  std::vector<Station> stations;
+  int status = kDone;
+  for (const Place& place : placesOf(selection)) {
+    if (auto station = readStation(place, selection, request, now)) {
+      stations.push_back(std::move(*station));
+    } else {
+      status = kNothingToRead;
+    }
+  }
+  if (stations.empty()) {
+    return status;
+  }
+  Output output(request.output);
+  output.write(reportPage(std::move(stations), now));
+  output.finish();
+  print(std::filesystem::absolute(request.output).string() + "\n");
+  if (request.isToOpen) {
+    openInBrowser(request.output);
+  }
+  return status;
 }
 
 }  // namespace watch

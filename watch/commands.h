@@ -1,6 +1,7 @@
 // What the commands do: read, join, look, write.
 #pragma once
 
+#include "figures/contract.h"
 #include "figures/period.h"
 #include "views/check.h"
 
@@ -25,7 +26,7 @@ struct UsageError : std::runtime_error {
 
 /// What every command takes.
 struct Selection {
-  /// Log directories; the user's own when empty. Only `summary` reads several.
+  /// Log directories; the user's own when empty. Only `summary` and `report` read several.
   std::vector<std::filesystem::path> from;
   Period period;
 };
@@ -36,6 +37,13 @@ struct ExportRequest {
   std::optional<std::filesystem::path> output;
 };
 
+struct ReportRequest {
+  Contract contract;
+  std::filesystem::path output = "connection-report.html";
+  /// To be shown by the browser.
+  bool isToOpen = false;
+};
+
 // Each writes figures to standard output and talk to standard error, and returns the exit status of
 // the program. `now` is the time by which ages are told. They throw UsageError, and
 // std::runtime_error where something can't be written.
@@ -44,5 +52,6 @@ int show(const Selection& selection, const std::string& wanted, EpochSeconds now
 int summary(const Selection& selection, EpochSeconds now);
 int check(const Selection& selection, const Limits& limits, EpochSeconds now);
 int exportRuns(const Selection& selection, const ExportRequest& request, EpochSeconds now);
+int report(const Selection& selection, const ReportRequest& request, EpochSeconds now);
 
 }  // namespace watch

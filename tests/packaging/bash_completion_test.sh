@@ -24,7 +24,7 @@ expect_offer() {
 
 CompletesTheWordsOfEachCommand() {
   for_each_case expect_offer <<'END'
-""                    | check doctor export list run show summary
+""                    | check doctor export list report run show summary
 s                     | show summary
 show ""
 run ""
@@ -33,8 +33,10 @@ run --trace ""
 check ""
 export ""             | csv jsonl sqlite
 export s              | sqlite
+report --             | --contract --from --help --open --output --since --until
+report --open --o     | --open --output
 export csv ""
-nothing ""            | check doctor export list run show summary
+nothing ""            | check doctor export list report run show summary
 doctor ""
 doctor --             | --help --try
 doctor --try --h      | --help
@@ -46,7 +48,7 @@ check --              | --bad --below --from --help --latency --max-age --read -
 export --             | --from --help --output --since --until
 export sqlite --o     | --output
 --help l              | list
---from list ""        | check doctor export list run show summary
+--from list ""        | check doctor export list report run show summary
 --from list check --r | --read
 --from = logs list -- | --from --help --since --until
 END

@@ -172,6 +172,72 @@ END
   expect_recorded "$here/expected/$1" /tmp/fake/rows
 }
 
+# The page without its style and the version, an element on each line.
+elements() {
+  sed -e '/<style>/,/<\/style>/d' -e 's/sha256-[^'"'"']*/sha256-…/' -e 's/by connWatch [0-9.]*/by connWatch/' \
+    -e 's/></>\n</g' "$1"
+}
+
+Report.IsOnePage() {
+  have_runs
+
+  run conn_watch report --contract 250/40 --from "$logs" --output /tmp/work/page.html
+
+  expect_status 0
+  expect_file /tmp/fake/console <<<'/tmp/work/page.html'
+  expect_file /tmp/fake/errors </dev/null
+  elements /tmp/work/page.html >/tmp/fake/page
+  expect_recorded "$here/expected/$1" /tmp/fake/page
+}
+
+Report.HasTheNameOfThisMachineAndAFileOfItsOwn() {
+  have_runs
+  cd /tmp/work
+
+  run conn_watch report
+
+  expect_status 0
+  expect_file <(ls) <<<'connection-report.html'
+  grep -qF "<h1>$(hostname) <span" connection-report.html || fail "the page has another title"
+}
+
+Report.PutsSeveralDirectoriesSideBySide() {
+  have_runs
+  mkdir /tmp/empty
+
+  run conn_watch report --from "$logs" --from /tmp/empty --from "$logs" --output /tmp/work/page.html
+
+  expect_said "$1"
+  [[ $(grep -o '<article>' /tmp/work/page.html | wc -l) == 2 ]] || fail "there are not two workstations"
+}
+
+Report.IsShownByTheBrowser() {
+  have_runs
+  mkdir /tmp/browser
+  # shellcheck disable=SC2016 # the script expands it
+  printf '#!/bin/sh\necho "$*" >/tmp/browser/asked\n' >/tmp/browser/xdg-open
+  chmod +x /tmp/browser/xdg-open
+  export PATH=/tmp/browser:$PATH
+  cd /tmp/work
+
+  run conn_watch report --open --output 'my page.html'
+
+  expect_status 0
+  expect_file /tmp/browser/asked <<<'/tmp/work/my page.html'
+}
+
+Report.SaysThatThereIsNoBrowser() {
+  have_runs
+  mkdir /tmp/browser
+  printf '#!/bin/sh\nexit 3\n' | tee /tmp/browser/xdg-open >/tmp/browser/open
+  chmod +x /tmp/browser/*
+  export PATH=/tmp/browser:$PATH
+
+  run conn_watch report --open --output /tmp/work/page.html
+
+  expect_said "$1"
+}
+
 Help.FitsATerminalOf80ColumnsAndEndsWell() {
   expect_each_said "$1" <<'END'
 --help
@@ -179,6 +245,7 @@ summary --help
 list --help
 show --help
 check --help
+report --help
 export --help
 END
   [[ -z $(awk 'length($0) > 80' /tmp/fake/all) ]] || fail "a line is too long"

@@ -33,6 +33,10 @@ show yesterday-ish
 export
 export xml
 export sqlite
+report --contract fast
+report --contract 250/
+report --contract 0/40
+report extra
 check --read fast
 check --read nan
 check --read -1
@@ -54,6 +58,7 @@ list
 show
 summary --since 7d
 check
+report
 export csv
 END
 }
