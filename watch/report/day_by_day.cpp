@@ -1,5 +1,6 @@
 // The course of the figures: by day, with the band in which nine of ten tests are, or, of few runs,
 // by test. Beneath, what kept tests from measuring; and all of it as a table.
+#include "report/explorer.h"
 #include "report/marks.h"
 #include "report/sections.h"
 #include "report/table.h"
@@ -157,12 +158,12 @@ std::string withRange(const Metric& metric, const std::optional<Spread>& spread)
 
 Table daysTable(const Station& station) {
   Table table({{"Day", ""},
-               {"Tests", "r"},
-               {"Download", "r"},
-               {"Upload", "r"},
-               {"Latency", "r"},
-               {"No connection", "r"},
-               {"Missing", "r"}});
+               {"Tests", ""},
+               {"Download", ""},
+               {"Upload", ""},
+               {"Latency", ""},
+               {"No connection", ""},
+               {"Missing", ""}});
   for (const Stretch& day : station.days) {
     if (isDrawn(station, day.key)) {
       table.add({dayIn(station, day.key), grouped(day.runs()), withRange(kRead, day.read),
@@ -175,10 +176,10 @@ Table daysTable(const Station& station) {
 
 Table testsTable(const Station& station) {
   Table table({{"When", ""},
-               {"Download", "r"},
-               {"Upload", "r"},
-               {"Latency", "r"},
-               {"Loss %", "r"},
+               {"Download", ""},
+               {"Upload", ""},
+               {"Latency", ""},
+               {"Loss %", ""},
                {"What was not well", ""}});
   for (const Placed& placed : station.line) {
     if (placed.run == nullptr || !isDrawn(station, placed.day)) {
@@ -202,7 +203,8 @@ Html inFigures(const Station& station) {
             {el("summary", {}, title),
              el("div",
                 {{"class", "scroll"}, {"tabindex", "0"}, {"role", "region"}, {"aria-label", title}},
-                (byTest ? testsTable(station) : daysTable(station)).html("figures", title))});
+                (byTest ? testsTable(station) : daysTable(station))
+                    .html(byTest ? "figures tests" : "figures", title))});
 }
 
 }  // namespace
@@ -220,7 +222,8 @@ Html dayByDay(const Station& station) {
           byTest ? "Each point is a test. Where nothing was measured there is no line."
                  : "The line is the day’s middle value, the band holds nine of ten tests. Where "
                    "nothing was measured there is no line."),
-       el("div", {{"class", "courses"}}, {charts, markStrip(station, axis)}), inFigures(station)});
+       explorer(station), el("div", {{"class", "courses"}}, {charts, markStrip(station, axis)}),
+       inFigures(station)});
 }
 
 }  // namespace watch

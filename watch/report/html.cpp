@@ -71,6 +71,17 @@ Html el(std::string_view name, Attributes attributes, const Html& content) {
   return element;
 }
 
+Html jsonData(std::string_view json) {
+  Html element;
+  element.source_ = "<script type=\"application/json\">";
+  for (const char character : json) {
+    // In JSON, it only stands in strings.
+    character == '<' ? element.source_.append("\\u003c") : element.source_.append(1, character);
+  }
+  element.source_ += "</script>";
+  return element;
+}
+
 Html shape(std::string_view name, Attributes attributes) {
   Html element;
   element.source_ = openingTag(name, attributes) + "/>";

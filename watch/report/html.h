@@ -30,6 +30,7 @@ class Html {
  private:
   friend Html el(std::string_view name, Attributes attributes, const Html& content);
   friend Html shape(std::string_view name, Attributes attributes);
+  friend Html jsonData(std::string_view json);
 
   std::string source_;
 };
@@ -38,5 +39,8 @@ class Html {
 Html el(std::string_view name, Attributes attributes, const Html& content = {});
 /// `<name attributes/>`, for what a picture is drawn of.
 Html shape(std::string_view name, Attributes attributes);
+/// JSON for a script of the page, which reads it and does not run it. Nothing in it ends the
+/// element.
+Html jsonData(std::string_view json);
 
 }  // namespace watch

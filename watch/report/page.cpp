@@ -1,5 +1,6 @@
 #include "report/page.h"
 
+#include "report/explorer.h"
 #include "report/resources.h"
 #include "report/sections.h"
 #include "report/words.h"
@@ -85,6 +86,23 @@ Html footer(std::span<const Station> stations, EpochSeconds now) {
                         CONNWATCH_VERSION, weekdayAndDate(now), clockTime(now), folders));
 }
 
+/// Nothing may be loaded, and only what is known by its hash may run.
+std::string policy() {
+  const std::string scripts = hasExplorer() ? fmt::format(" script-src 'sha256-{}' 'sha256-{}';",
+                                                          kLibraryHash, kExplorerHash)
+                                            : "";
+  return fmt::format(
+      "default-src 'none'; style-src 'sha256-{}';{} base-uri 'none'; "
+      "form-action 'none'",
+      kStyleHash, scripts);
+}
+
+std::string scripts() {
+  return hasExplorer()
+             ? fmt::format("<script>{}</script>\n<script>{}</script>\n", kLibrary, kExplorer)
+             : "";
+}
+
 std::string pageTitle(std::span<const Station> stations) {
   return stations.size() == 1 ? "Connection report: " + foreign(stations.front().name)
                               : fmt::format("Connection report: {} workstations", stations.size());
@@ -102,7 +120,8 @@ std::string reportPage(std::vector<Station> stations, EpochSeconds now) {
   }
   const Html content = stations.size() == 1 ? one(stations.front()) : several(stations);
   return fmt::format(fmt::runtime(kPage), fmt::arg("title", Html(pageTitle(stations)).source()),
-                     fmt::arg("style", kStyle), fmt::arg("style_hash", kStyleHash),
+                     fmt::arg("style", kStyle), fmt::arg("policy", policy()),
+                     fmt::arg("scripts", scripts()),
                      fmt::arg("content", Html{content, footer(stations, now)}.source()));
 }
 

@@ -9,7 +9,14 @@ namespace watch {
 /// The skeleton, with a name in braces where something is put in.
 extern const std::string_view kPage;
 extern const std::string_view kStyle;
-/// The SHA-256 of the style in base64, by which the page's policy knows it.
+/// The SHA-256 in base64, by which the page's policy knows it.
 extern const std::string_view kStyleHash;
+
+/// The script of the explorer, and the library that it needs. Both are empty where the build has
+/// not found the library.
+extern const std::string_view kLibrary;
+extern const std::string_view kLibraryHash;
+extern const std::string_view kExplorer;
+extern const std::string_view kExplorerHash;
 
 }  // namespace watch
