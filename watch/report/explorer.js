@@ -493,5 +493,7 @@
 
   // It measures with a style that the page's policy refuses, and is not shown.
   Dygraph.PLUGINS = Dygraph.PLUGINS.filter((plugin) => plugin !== Dygraph.Plugins.Legend);
-  document.querySelectorAll(".explorer").forEach((place) => new Explorer(place));
+  // The page is painted first, with its pictures.
+  const start = () => document.querySelectorAll(".explorer").forEach((place) => new Explorer(place));
+  requestAnimationFrame(() => setTimeout(start));
 })();
