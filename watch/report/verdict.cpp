@@ -99,8 +99,8 @@ Html slowHours(const Station& station) {
     return {};
   }
   return {fmt::format("It is worst around {:02}:00, with ", worst->key),
-          bold(figureWithUnit(metric, figure)), ", where the hours’ middle is ",
-          figureWithUnit(metric, others.value), ". "};
+          bold(figureWithUnit(metric, figure)), " where ", figureWithUnit(metric, others.value),
+          " is usual. "};
 }
 
 Html sentences(const Station& station) {

@@ -49,7 +49,8 @@ class Page : public testing::Test {
     const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
     const std::string path = TEST_DIR "/report/expected/" + name + ".html";
     const std::string elements = elementsOf(reportPage(std::move(stations), kNow + kDay));
-    if (std::getenv("UPDATE") != nullptr) {
+    const char* const update = std::getenv("UPDATE");
+    if (update != nullptr && std::string(update) == "1") {
       writeFile(path, elements);
     }
     EXPECT_EQ(elements, readFile(path));
