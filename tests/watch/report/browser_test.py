@@ -2,7 +2,6 @@
 """Looks at the pages that script/test_report has made, in a real browser. DIR holds them, with the
 exports of the same runs; pictures of them are left there."""
 
-import base64
 import datetime
 import json
 import os
@@ -11,23 +10,14 @@ import sys
 import time
 import unittest
 
-from selenium import webdriver
-from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.support.ui import WebDriverWait
 
+from browser import start_browser, take_picture
+
 DIRECTORY = os.path.abspath(sys.argv[1])
 WIDTHS = {"desktop": 1280, "phone": 390}
-
-
-def start_browser():
-    options = webdriver.ChromeOptions()
-    options.binary_location = "/usr/bin/chromium"
-    for argument in ("headless=new", "no-sandbox", "hide-scrollbars", "window-size=1280,1000"):
-        options.add_argument(f"--{argument}")
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
-    return webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
 
 
 def runs_of(name):
@@ -77,12 +67,7 @@ class Page(unittest.TestCase):
                 for each in self.browser.find_elements(By.CSS_SELECTOR, selector)]
 
     def take_picture(self, name):
-        size = self.run_script("return [innerWidth, document.documentElement.scrollHeight]")
-        picture = self.browser.execute_cdp_cmd("Page.captureScreenshot", {
-            "captureBeyondViewport": True,
-            "clip": {"x": 0, "y": 0, "width": size[0], "height": size[1], "scale": 1}})
-        with open(f"{DIRECTORY}/{name}.png", "wb") as file:
-            file.write(base64.b64decode(picture["data"]))
+        take_picture(self.browser, f"{DIRECTORY}/{name}.png")
 
     def test_asks_for_nothing_and_says_nothing_to_the_console(self):
         self.open("year")
