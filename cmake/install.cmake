@@ -78,6 +78,7 @@ install(FILES
   docs/macos.md
   docs/performance.md
   docs/reliability.md
+  docs/report.png
   DESTINATION ${documents}/docs)
 
 install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/packaging/uninstall DESTINATION ${programs}

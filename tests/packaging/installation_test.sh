@@ -27,6 +27,7 @@ share/doc/conntester/docs/files.md
 share/doc/conntester/docs/macos.md
 share/doc/conntester/docs/performance.md
 share/doc/conntester/docs/reliability.md
+share/doc/conntester/docs/report.png
 share/man/man1/connTester.1
 share/man/man1/connWatch.1
 share/man/man5/connTester.conf.5'

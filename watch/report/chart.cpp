@@ -31,6 +31,21 @@ void eachPart(const Series& series, Take take) {
   }
 }
 
+void addLine(std::span<const Point> part, const Scale& scale, Path& line) {
+  line.moveTo(part.front().x, scale.y(part.front().middle));
+  for (const Point& point : part.subspan(1)) {
+    line.lineTo(point.x, scale.y(point.middle));
+  }
+}
+
+/// A line without a length has round ends.
+void addDots(std::span<const Point> part, const Scale& scale, Path& dots) {
+  for (const Point& point : part) {
+    const double y = scale.y(point.middle);
+    dots.moveTo(point.x, y).lineTo(point.x, y);
+  }
+}
+
 Html scaleLines(const Scale& scale) {
   Path lines;
   for (double value = scale.step; value < scale.top * 1.001; value += scale.step) {
@@ -134,12 +149,9 @@ Html drawLine(const Series& series, const Scale& scale) {
   Path dots;
   constexpr std::size_t kFew = 60;
   eachPart(series, [&](std::span<const Point> part) {
-    line.moveTo(part.front().x, scale.y(part.front().middle));
-    for (const Point& point : part) {
-      line.lineTo(point.x, scale.y(point.middle));
-      if (part.size() == 1 || series.size() <= kFew) {
-        dots.moveTo(point.x, scale.y(point.middle)).lineTo(point.x, scale.y(point.middle));
-      }
+    addLine(part, scale, line);
+    if (part.size() == 1 || series.size() <= kFew) {
+      addDots(part, scale, dots);
     }
   });
   return {line.draw("line"), dots.draw("dots")};

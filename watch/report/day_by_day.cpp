@@ -117,13 +117,19 @@ Html metricChart(const Station& station, const TimeAxis& axis, const Metric& met
 /// How wide a mark is drawn: as long as it lasts, and so that it can be seen.
 constexpr double kLeastWidth = 28;
 
+void addDay(const Stretch& day, double x, double width, MarkedBoxes& boxes) {
+  for (const Mark mark : {Mark::noTest, Mark::noServer, Mark::noConnection}) {
+    if (day.of(mark) > 0) {
+      boxes.add(mark, x, 0, width, kHeight);
+    }
+  }
+}
+
 void addDayMarks(const Station& station, const TimeAxis& axis, MarkedBoxes& boxes) {
   const double width = std::max(kWidth / static_cast<double>(axis.days), kLeastWidth);
   for (const Stretch& day : station.days) {
-    for (const Mark mark : {Mark::noTest, Mark::noServer, Mark::noConnection}) {
-      if (day.of(mark) > 0 && isDrawn(station, day.key)) {
-        boxes.add(mark, axis.x(static_cast<double>(day.key)), 0, width, kHeight);
-      }
+    if (isDrawn(station, day.key)) {
+      addDay(day, axis.x(static_cast<double>(day.key)), width, boxes);
     }
   }
 }

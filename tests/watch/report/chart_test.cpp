@@ -47,9 +47,8 @@ TEST(Line, HasGapsWhereThereIsNoValue) {
   series[50] = Point{5000, 0, 0, 0};
   const Scale scale{2, 1};
 
-  EXPECT_EQ(drawLine(series, scale).source(),
-            R"(<path class="line" d="M0 500L0 500L100 0M5000 1000L5000 1000"/>)"
-            R"(<path class="dots" d="M5000 1000L5000 1000"/>)");
+  EXPECT_EQ(drawLine(series, scale).source(), R"(<path class="line" d="M0 500L100 0M5000 1000"/>)"
+                                              R"(<path class="dots" d="M5000 1000L5000 1000"/>)");
   EXPECT_EQ(drawBand(series, scale, &Point::low, &Point::high, "band").source(),
             R"(<path class="band" d="M0 500L100 0L100 500L0 500zM5000 1000L5000 1000z"/>)");
 }
