@@ -81,6 +81,29 @@ TEST_F(Page, TellsTwoDaysWithAllThatMayHappen) {
   expectRecorded({station(std::move(runs), {250, 40})});
 }
 
+TEST_F(Page, HasAColumnForEachDayOfMoreThanAMonth) {
+  constexpr EpochSeconds kBeforeSummerTime = kNow + 110 * kDay;
+  std::vector<watch::Run> runs;
+  for (int run = 0; run < 45 * 4; ++run) {
+    const EpochSeconds time = kBeforeSummerTime + run * 6 * kHour;
+    runs.push_back(run == 50 ? failedRun(time) : run == 90 ? cutRun(time) : okRun(time));
+    runs.back().read.bps *= run >= 100 && run < 120 ? 0.4 : 1;
+  }
+  runs.erase(runs.begin() + 20, runs.begin() + 30);
+
+  expectRecorded({station(std::move(runs))});
+}
+
+TEST_F(Page, HasAPictureForEachOfThreeYears) {
+  std::vector<watch::Run> runs;
+  for (int week = 0; week < 130; ++week) {
+    runs.push_back(week % 40 == 7 ? failedRun(kNow + week * 7 * kDay)
+                                  : okRun(kNow + week * 7 * kDay));
+  }
+
+  expectRecorded({station(std::move(runs))});
+}
+
 TEST_F(Page, TellsRunsOfWhichNoTimeIsKnown) {
   expectRecorded({station({failedRun({}), failedRun({})})});
 }
