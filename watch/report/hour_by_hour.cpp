@@ -117,11 +117,17 @@ std::string label(const Station& station, const TimeAxis& axis) {
 }
 
 Html columns(const Station& station, const Boxes& boxes, const TimeAxis& axis) {
+  const bool isOfDays = boxes.hours() == kHours;
   MarkedBoxes drawn;
   addColumns(boxes.from(axis.firstDay, axis.days), axis, boxes.hours(), drawn);
-  return el(
-      "div", {{"class", "plot"}},
-      draw({label(station, axis), "heat", {}, axis.ticks(), true, drawn.draw(), hourLabels()}));
+  return el("div", {{"class", "plot"}},
+            draw({label(station, axis),
+                  isOfDays ? "heat low" : "heat",
+                  {},
+                  axis.ticks(),
+                  true,
+                  drawn.draw(),
+                  isOfDays ? Html() : hourLabels()}));
 }
 
 /// A picture for each calendar year.
@@ -173,12 +179,18 @@ Html rows(const Station& station, const Boxes& boxes, const TimeAxis& axis) {
                   axis.days * kRowHeight}));
 }
 
-std::string explanation(std::int64_t days, std::int64_t hours) {
-  const std::string box = hours == 1 ? "an hour" : fmt::format("{} hours", hours);
-  return fmt::format(
-      "Each {} is a day, each {} {} of it. Quiet colour is good; what jumps out was "
-      "slow, down or not tested.",
-      days <= kMostRows ? "row" : "column", days <= kMostRows ? "box" : "row", box);
+/// A row for each day, where there are few; a day of one box needs none.
+bool hasRows(const TimeAxis& axis, const Boxes& boxes) {
+  return axis.days <= kMostRows && boxes.hours() < kHours;
+}
+
+std::string explanation(const TimeAxis& axis, const Boxes& boxes) {
+  const std::string box = boxes.hours() == 1 ? "an hour" : fmt::format("{} hours", boxes.hours());
+  const std::string what = boxes.hours() == kHours ? "Each column is a day."
+                           : hasRows(axis, boxes)
+                               ? fmt::format("Each row is a day, each box {} of it.", box)
+                               : fmt::format("Each column is a day, each row {} of it.", box);
+  return what + " Quiet colour is good; what jumps out was slow, down or not tested.";
 }
 
 Html notDrawn(const Station& station) {
@@ -194,12 +206,12 @@ Html notDrawn(const Station& station) {
 Html hourByHour(const Station& station) {
   const Boxes boxes(station);
   const TimeAxis axis{station.firstDrawnDay(), station.drawnDays()};
-  const Html picture = axis.days <= kMostRows      ? rows(station, boxes, axis)
+  const Html picture = hasRows(axis, boxes)        ? rows(station, boxes, axis)
                        : axis.days <= kMostColumns ? columns(station, boxes, axis)
                                                    : years(station, boxes);
-  return section(station, "Hour by hour",
-                 {el("p", {{"class", "say"}}, explanation(axis.days, boxes.hours())),
-                  notDrawn(station), picture, legend(station)});
+  return section(station, boxes.hours() == kHours ? "All days" : "Hour by hour",
+                 {el("p", {{"class", "say"}}, explanation(axis, boxes)), notDrawn(station), picture,
+                  legend(station)});
 }
 
 }  // namespace watch
