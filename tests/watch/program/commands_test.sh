@@ -201,6 +201,7 @@ Report.HasTheNameOfThisMachineAndAFileOfItsOwn() {
 
   expect_status 0
   expect_file <(ls) <<<'connection-report.html'
+  expect_file /tmp/fake/console <<<'/tmp/work/connection-report.html'
   grep -qF "<h1>$(hostname) <span" connection-report.html || fail "the page has another title"
 }
 
