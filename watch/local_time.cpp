@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <fmt/compile.h>
 #include <filesystem>
+#include <fmt/compile.h>
 
 namespace watch {
 

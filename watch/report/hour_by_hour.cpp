@@ -184,13 +184,16 @@ bool hasRows(const TimeAxis& axis, const Boxes& boxes) {
   return axis.days <= kMostRows && boxes.hours() < kHours;
 }
 
-std::string explanation(const TimeAxis& axis, const Boxes& boxes) {
+std::string explanation(const Station& station, const TimeAxis& axis, const Boxes& boxes) {
   const std::string box = boxes.hours() == 1 ? "an hour" : fmt::format("{} hours", boxes.hours());
   const std::string what = boxes.hours() == kHours ? "Each column is a day."
                            : hasRows(axis, boxes)
                                ? fmt::format("Each row is a day, each box {} of it.", box)
                                : fmt::format("Each column is a day, each row {} of it.", box);
-  return what + " Quiet colour is good; what jumps out was slow, down or not tested.";
+  const EpochSeconds rhythm = station.rhythm.seconds;
+  const bool isShared = rhythm > 0 && rhythm * 2 < boxes.hours() * kHourSeconds;
+  return what + " Quiet colour is good; what jumps out was slow, down or not tested." +
+         (isShared ? " One test without connection makes its box dark." : "");
 }
 
 Html notDrawn(const Station& station) {
@@ -210,8 +213,8 @@ Html hourByHour(const Station& station) {
                        : axis.days <= kMostColumns ? columns(station, boxes, axis)
                                                    : years(station, boxes);
   return section(station, boxes.hours() == kHours ? "All days" : "Hour by hour",
-                 {el("p", {{"class", "say"}}, explanation(axis, boxes)), notDrawn(station), picture,
-                  legend(station)});
+                 {el("p", {{"class", "say"}}, explanation(station, axis, boxes)), notDrawn(station),
+                  picture, legend(station)});
 }
 
 }  // namespace watch
