@@ -26,6 +26,17 @@ void addFailedRun(LogLines& log) {
   log.failedForward().failedReverse().resultWithoutPing(kNone, kNone);
 }
 
+/// The first run, whose ping came back, with its line in the journal.
+JournalLine& addRunThatOnlyPinged(LogLines& log) {
+  log.ping(kFirst, 12.5);
+  addFailedRun(log);
+  log.evidence.results.all[0].date = localTime(kFirst + 9);
+  JournalLine& line = log.journal(kFirst);
+  line.ping.emplace();
+  line.ping->start = localTime(kFirst);
+  return line;
+}
+
 JournalTest testOf(const Iperf3Line& line) {
   JournalTest test;
   test.report.release = "3.12";
@@ -49,12 +60,7 @@ TEST(JournalOfRuns, IsFoundByTheTests) {
 
 TEST(JournalOfRuns, IsFoundByThePingAndByTheDate) {
   LogLines log;
-  log.ping(kFirst, 12.5);
-  addFailedRun(log);
-  log.evidence.results.all[0].date = localTime(kFirst + 9);
-  JournalLine& line = log.journal(kFirst);
-  line.ping.emplace();
-  line.ping->start = localTime(kFirst);
+  addRunThatOnlyPinged(log);
   JournalLine& next = log.journal(kSecond);
   next.result = kNothingShown;
 
@@ -167,12 +173,7 @@ TEST(JournalOfRuns, TellsACutThatTheLinesHide) {
 
 TEST(JournalOfRuns, TellsWhyThereWasNoTest) {
   LogLines log;
-  log.ping(kFirst, 12.5);
-  addFailedRun(log);
-  log.evidence.results.all[0].date = localTime(kFirst + 9);
-  JournalLine& line = log.journal(kFirst);
-  line.ping.emplace();
-  line.ping->start = localTime(kFirst);
+  JournalLine& line = addRunThatOnlyPinged(log);
   line.write.emplace();
   line.write->report.error = "the server is busy running a test. try again later";
   line.read.emplace();
