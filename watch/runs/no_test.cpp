@@ -27,7 +27,7 @@ constexpr struct {
 }  // namespace
 
 std::string whyNoTest(const std::string& complaint) {
-  const auto cause = std::ranges::find_if(
+  const auto* const cause = std::ranges::find_if(
       kCauses, [&](const auto& known) { return complaint.find(known.words) != std::string::npos; });
   return cause == std::end(kCauses) ? complaint : cause->why;
 }

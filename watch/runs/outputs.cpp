@@ -289,6 +289,10 @@ class OutputJoiner {
     }
   }
 
+  int costOfPair(const Gap& gap, const Places<2>& at) const {
+    return canHave(gap.silent[at[0]], gap.outputs[at[1]]) ? 0 : kImpossible;
+  }
+
   /// Deals outputs out to silent runs. A run that was ended before it left anything else is
   /// likeliest where the rhythm has room for it, and then at the end, where it may still go on.
   std::vector<Row<2>> alignSilent(const Gap& gap) const {
@@ -304,11 +308,9 @@ class OutputJoiner {
     constexpr Members kRun = 1;
     return align(Costs<2>{{gap.silent.size(), gap.outputs.size()},
                           [&](Members members, const Places<2>& at) {
-                            if (members == kBoth) {
-                              return canHave(gap.silent[at[0]], gap.outputs[at[1]]) ? 0
-                                                                                    : kImpossible;
-                            }
-                            return members == kRun ? kNoOutput : costBefore[at[0]];
+                            return members == kBoth  ? costOfPair(gap, at)
+                                   : members == kRun ? kNoOutput
+                                                     : costBefore[at[0]];
                           },
                           [](const Places<2>& from, const Places<2>& end) {
                             const auto runs = static_cast<int>(end[0] - from[0]);

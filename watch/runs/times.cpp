@@ -50,8 +50,25 @@ std::optional<EpochSeconds> startOf(const std::vector<Iperf3Line>& lines, std::s
   return line == kAlone ? std::nullopt : lines[line].start;
 }
 
-std::optional<EpochSeconds> guardedStart(const Evidence& evidence, const RunLines& run) {
-  return run.journal == kAlone ? std::nullopt : evidence.journal[run.journal].start;
+RunTime timeOf(const Evidence& evidence, const RunLines& run, const FillingStamps& stamps) {
+  const auto forward = startOf(evidence.forward.all, run.forward);
+  const auto epoch = forward ? forward : startOf(evidence.reverse.all, run.reverse);
+  if (run.journal != kAlone && evidence.journal[run.journal].start) {
+    return {evidence.journal[run.journal].start, TimeSource::journal, false};
+  }
+  if (run.pings) {
+    const Moments ping = moments(evidence.pings.all[run.pings->first].start);
+    return {epoch ? ping.nearest(*epoch) : ping.first, TimeSource::ping,
+            !epoch && !ping.isUnique()};
+  }
+  if (epoch) {
+    return {epoch, forward ? TimeSource::forward : TimeSource::reverse, false};
+  }
+  if (const auto stamp = stamps.of(run)) {
+    const Moments filled = moments(*stamp);
+    return {filled.first, TimeSource::archiveStamp, !filled.isUnique()};
+  }
+  return {};
 }
 
 }  // namespace
@@ -61,23 +78,7 @@ std::vector<RunTime> timesOfRuns(const Evidence& evidence, const std::vector<Run
   std::vector<RunTime> times;
   times.reserve(runs.size());
   for (const RunLines& run : runs) {
-    const auto forward = startOf(evidence.forward.all, run.forward);
-    const auto reverse = startOf(evidence.reverse.all, run.reverse);
-    const auto epoch = forward ? forward : reverse;
-    if (const auto start = guardedStart(evidence, run)) {
-      times.push_back({start, TimeSource::journal, false});
-    } else if (run.pings) {
-      const Moments ping = moments(evidence.pings.all[run.pings->first].start);
-      times.push_back({epoch ? ping.nearest(*epoch) : ping.first, TimeSource::ping,
-                       !epoch && !ping.isUnique()});
-    } else if (epoch) {
-      times.push_back({epoch, forward ? TimeSource::forward : TimeSource::reverse, false});
-    } else if (const auto stamp = stamps.of(run)) {
-      const Moments filled = moments(*stamp);
-      times.push_back({filled.first, TimeSource::archiveStamp, !filled.isUnique()});
-    } else {
-      times.emplace_back();
-    }
+    times.push_back(timeOf(evidence, run, stamps));
   }
   return times;
 }
