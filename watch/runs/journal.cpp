@@ -102,7 +102,7 @@ class JournalPlacer {
   static constexpr Members kBoth = 3;
   static constexpr int kAloneCost = 10;
 
-  /// A line that leads to no run, and the first run that began after it.
+  /// A line that leads to no run, and the first run that did not begin before it.
   struct OpenLine {
     std::size_t line;
     std::size_t before;
@@ -142,7 +142,8 @@ class JournalPlacer {
       if (isPlaced[line] || !start) {
         continue;
       }
-      while (before < runs_.size() && (!isTimed(before) || *times_[before].start <= *start)) {
+      // A run that left nothing else was short: one of the same second came behind it.
+      while (before < runs_.size() && (!isTimed(before) || *times_[before].start < *start)) {
         ++before;
       }
       lines_.push_back({line, before});

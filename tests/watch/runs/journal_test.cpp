@@ -124,6 +124,17 @@ TEST(JournalOfRuns, MakesARunThatLeftNothingElse) {
   EXPECT_EQ(reason(runs[1]), "ended by ^C in ping");
 }
 
+/// A run that left nothing else can't have been the longer one of a second.
+TEST(JournalOfRuns, IsFirstWhenItIsAloneInASecond) {
+  LogLines log;
+  addRunThatOnlyPinged(log);
+  log.journal(kFirst).ended = "ended by ^C in ping";
+
+  EXPECT_THAT(
+      joined(log.evidence),
+      ElementsAre("journal 2", "ping 1, output 1, forward 1, reverse 1, result 1, journal 1"));
+}
+
 TEST(JournalOfRuns, TellsThatARunHasEnded) {
   LogLines log;
   log.ping(kFirst, 12.5);
