@@ -2,7 +2,6 @@
 
 #include "evidence/json.h"
 
-#include <array>
 #include <cmath>
 #include <fmt/format.h>
 #include <rapidjson/stringbuffer.h>
@@ -213,18 +212,9 @@ JournalTest readTest(const Json& json) {
   return test;
 }
 
-using Key = std::optional<std::pair<std::int64_t, std::uint16_t>>;
-
-Key keyOf(const std::optional<JournalTest>& test) {
-  return test && test->report.start ? Key({*test->report.start, test->report.clientPort})
-                                    : std::nullopt;
-}
-
-/// What tells the run of a line from others.
-std::array<Key, 4> keysOf(const JournalLine& line) {
-  return {line.start ? Key({*line.start, 0}) : std::nullopt,
-          line.ping && line.ping->start ? Key({line.ping->start->seconds, 0}) : std::nullopt,
-          keyOf(line.write), keyOf(line.read)};
+std::optional<RunKey> keyOf(const std::optional<JournalTest>& test) {
+  return test ? keyOfTest(test->report.start, test->report.clientPort, test->report.serverPort)
+              : std::nullopt;
 }
 
 /// Returns what `read` makes of `json`, if that is there.
@@ -235,15 +225,34 @@ auto readGroup(const Json& json, Read read) {
 
 }  // namespace
 
+std::optional<RunKey> keyOfTest(std::optional<EpochSeconds> start, std::uint16_t clientPort,
+                                std::uint16_t serverPort) {
+  constexpr std::uint32_t kPorts = 1U << 16U;
+  return start ? std::optional(RunKey(*start, clientPort * kPorts + serverPort)) : std::nullopt;
+}
+
+RunKeys keysOf(const JournalLine& line) {
+  RunKeys keys;
+  if (line.start) {
+    keys.start = RunKey(*line.start, 0);
+  }
+  if (line.ping && line.ping->start) {
+    keys.ping = RunKey(line.ping->start->seconds, 0);
+  }
+  keys.write = keyOf(line.write);
+  keys.read = keyOf(line.read);
+  return keys;
+}
+
 bool isSameRun(const JournalLine& one, const JournalLine& other) {
-  const auto first = keysOf(one);
-  const auto second = keysOf(other);
+  const RunKeys keys = keysOf(one);
+  const RunKeys others = keysOf(other);
   bool hasCommon = false;
-  for (std::size_t i = 0; i < first.size(); ++i) {
-    if (first[i] && second[i] && first[i] != second[i]) {
+  for (const auto key : {&RunKeys::start, &RunKeys::ping, &RunKeys::write, &RunKeys::read}) {
+    if (keys.*key && others.*key && keys.*key != others.*key) {
       return false;
     }
-    hasCommon = hasCommon || (first[i] && second[i]);
+    hasCommon = hasCommon || (keys.*key && others.*key);
   }
   return hasCommon;
 }

@@ -8,9 +8,11 @@
 #include "local_time.h"
 #include "run_state.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace watch {
 
@@ -53,8 +55,23 @@ struct JournalLine {
   bool isGuarded() const { return start.has_value(); }
 };
 
-/// Returns whether both are of one run: they tell it by the same start, ping or test, and by none
-/// that differs.
+/// A second, and for a test the ports of its connection: no other run has it.
+using RunKey = std::pair<std::int64_t, std::uint32_t>;
+
+/// Returns nothing for a test that did not begin.
+std::optional<RunKey> keyOfTest(std::optional<EpochSeconds> start, std::uint16_t clientPort,
+                                std::uint16_t serverPort);
+
+/// By what a line tells its run.
+struct RunKeys {
+  std::optional<RunKey> start;
+  std::optional<RunKey> ping;
+  std::optional<RunKey> write;
+  std::optional<RunKey> read;
+};
+RunKeys keysOf(const JournalLine& line);
+
+/// Returns whether both are of one run: they have a key in common, and none that differs.
 bool isSameRun(const JournalLine& one, const JournalLine& other);
 
 /// Returns the line with its newline.

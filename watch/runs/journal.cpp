@@ -9,57 +9,43 @@ namespace watch {
 
 namespace {
 
-constexpr std::uint32_t kPorts = 1U << 16U;
-
-std::optional<std::pair<std::int64_t, std::uint32_t>> keyOf(
-    const std::optional<EpochSeconds>& start, std::uint16_t clientPort, std::uint16_t serverPort) {
-  return start ? std::optional(std::pair(*start, clientPort * kPorts + serverPort)) : std::nullopt;
-}
-
-auto keyOf(const Iperf3Line& line) {
-  return keyOf(line.start, line.clientPort, line.serverPort);
-}
-
-auto keyOf(const std::optional<JournalTest>& test) {
-  return test ? keyOf(test->report.start, test->report.clientPort, test->report.serverPort)
-              : std::nullopt;
+std::optional<RunKey> keyOf(const Iperf3Line& line) {
+  return keyOfTest(line.start, line.clientPort, line.serverPort);
 }
 
 std::optional<ResultLine> resultOf(const JournalLine& line) {
   return parseResultLine(line.result);
 }
 
-std::optional<std::pair<std::int64_t, std::uint32_t>> keyOf(const std::optional<ResultLine>& line) {
-  return line && line->date ? std::optional(std::pair(line->date->seconds, 0U)) : std::nullopt;
+std::optional<RunKey> keyOf(const std::optional<ResultLine>& line) {
+  return line && line->date ? std::optional(RunKey(line->date->seconds, 0)) : std::nullopt;
 }
 
 }  // namespace
 
 JournalKeys::JournalKeys(const std::vector<JournalLine>& journal) {
   for (std::size_t i = 0; i < journal.size(); ++i) {
-    const JournalLine& line = journal[i];
-    if (line.ping && line.ping->start) {
-      add(pings_, Key(line.ping->start->seconds, 0), i);
-    }
-    add(forward_, keyOf(line.write), i);
-    add(reverse_, keyOf(line.read), i);
-    add(results_, keyOf(resultOf(line)), i);
+    const RunKeys keys = keysOf(journal[i]);
+    add(pings_, keys.ping, i);
+    add(forward_, keys.write, i);
+    add(reverse_, keys.read, i);
+    add(results_, keyOf(resultOf(journal[i])), i);
   }
 }
 
-void JournalKeys::add(Places& places, const std::optional<Key>& key, std::size_t place) {
+void JournalKeys::add(PlaceByKey& places, const std::optional<RunKey>& key, std::size_t place) {
   if (key && !places.try_emplace(*key, place).second) {
     places[*key] = kAlone;
   }
 }
 
-std::size_t JournalKeys::find(const Places& places, const std::optional<Key>& key) {
+std::size_t JournalKeys::find(const PlaceByKey& places, const std::optional<RunKey>& key) {
   const auto found = key ? places.find(*key) : places.end();
   return found == places.end() ? kAlone : found->second;
 }
 
 std::size_t JournalKeys::ofPing(LocalTime start) const {
-  return find(pings_, Key(start.seconds, 0));
+  return find(pings_, RunKey(start.seconds, 0));
 }
 std::size_t JournalKeys::ofForward(const Iperf3Line& line) const {
   return find(forward_, keyOf(line));

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace watch {
@@ -28,16 +27,15 @@ class JournalKeys {
   std::size_t ofResult(const ResultLine& line) const;
 
  private:
-  using Key = std::pair<std::int64_t, std::uint32_t>;
-  using Places = std::map<Key, std::size_t>;
+  using PlaceByKey = std::map<RunKey, std::size_t>;
 
-  static void add(Places& places, const std::optional<Key>& key, std::size_t place);
-  static std::size_t find(const Places& places, const std::optional<Key>& key);
+  static void add(PlaceByKey& places, const std::optional<RunKey>& key, std::size_t place);
+  static std::size_t find(const PlaceByKey& places, const std::optional<RunKey>& key);
 
-  Places pings_;
-  Places forward_;
-  Places reverse_;
-  Places results_;
+  PlaceByKey pings_;
+  PlaceByKey forward_;
+  PlaceByKey reverse_;
+  PlaceByKey results_;
 };
 
 /// Gives each line of the journal that none of the histories has led to a run, or makes a run of
