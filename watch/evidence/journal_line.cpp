@@ -155,6 +155,12 @@ class JournalWriter {
   rapidjson::Writer<rapidjson::StringBuffer> json_{buffer_};
 };
 
+/// No run was before the epoch. Offsets of those times have seconds, too, which the text has not.
+std::optional<EpochSeconds> momentOf(const Json& json) {
+  const auto moment = parseIsoLocal(json.text());
+  return moment && *moment >= 0 ? moment : std::nullopt;
+}
+
 Configuration readSettings(const Json& json) {
   Configuration settings;
   for (const auto& [key, number] : kNumbers) {
@@ -268,8 +274,8 @@ std::optional<JournalLine> parseJournalLine(std::string_view text) {
     return std::nullopt;
   }
   JournalLine line;
-  line.start = parseIsoLocal(json["start"].text());
-  line.end = parseIsoLocal(json["end"].text());
+  line.start = momentOf(json["start"]);
+  line.end = momentOf(json["end"]);
   line.ended = json["ended"].text();
   line.address = json["address"].text();
   line.settings = readGroup(json["settings"], readSettings);
