@@ -119,9 +119,12 @@ class JournalWriter {
   void member(const char* key, Number value) {
     if constexpr (std::is_floating_point_v<Number>) {
       number(key, value);
+    } else if constexpr (std::is_unsigned_v<Number>) {
+      json_.Key(key);
+      json_.Uint64(value);
     } else {
       json_.Key(key);
-      json_.Int64(static_cast<std::int64_t>(value));
+      json_.Int64(value);
     }
   }
   template <class Number>
@@ -172,10 +175,17 @@ Configuration readSettings(const Json& json) {
   return settings;
 }
 
+/// Returns nothing for a number that no tool prints, and whose thousandths a double has not.
+std::optional<double> numberOf(const Json& json) {
+  constexpr double kTooGreat = 1e12;
+  const auto number = json.number();
+  return number && std::abs(*number) < kTooGreat ? number : std::nullopt;
+}
+
 std::vector<double> numbersOf(const Json& json) {
   std::vector<double> numbers;
   for (const Json& element : json.elements()) {
-    if (const auto number = element.number()) {
+    if (const auto number = numberOf(element)) {
       numbers.push_back(*number);
     }
   }
@@ -205,14 +215,14 @@ JournalTest readTest(const Json& json) {
   report.clientPort = json["client_port"].count<std::uint16_t>().value_or(0);
   report.serverPort = json["server_port"].count<std::uint16_t>().value_or(0);
   report.bytes = json["bytes"].count<std::uint64_t>();
-  report.seconds = json["seconds"].number();
-  report.sentBps = json["sent_bps"].number();
-  report.receivedBps = json["received_bps"].number();
+  report.seconds = numberOf(json["seconds"]);
+  report.sentBps = numberOf(json["sent_bps"]);
+  report.receivedBps = numberOf(json["received_bps"]);
   report.retransmits = json["retransmits"].count<std::uint64_t>();
   if (const std::vector<double> times = numbersOf(json["rtt_ms"]); times.size() == 3) {
     report.roundTrips = LoadedRoundTrips{times[0], times[1], times[2]};
   }
-  report.emptySeconds = json["empty_seconds"].number().value_or(0);
+  report.emptySeconds = numberOf(json["empty_seconds"]).value_or(0);
   report.error = json["error"].text();
   test.said = json["said"].text();
   return test;
