@@ -51,11 +51,22 @@ Place userPlace() {
   throw UsageError("HOME is not set: say with --from DIR which log directory to read");
 }
 
+std::vector<Place> placesOf(const Selection& selection) {
+  if (selection.from.empty()) {
+    return {userPlace()};
+  }
+  std::vector<Place> places;
+  for (const std::filesystem::path& path : selection.from) {
+    places.push_back({LogDirectory(path), false});
+  }
+  return places;
+}
+
 Place placeOf(const Selection& selection) {
   if (selection.from.size() > 1) {
     throw UsageError("only summary and report read several log directories: give --from DIR once");
   }
-  return selection.from.empty() ? userPlace() : Place{LogDirectory(selection.from.front()), false};
+  return placesOf(selection).front();
 }
 
 /// Names what could not be read, a few of many.
@@ -216,17 +227,6 @@ std::optional<Station> readStation(const Place& place, const Selection& selectio
   return lookAt({nameOf(place), place.directory.path().string(), std::move(reading.evidence.files),
                  std::move(runs)},
                 request.contract);
-}
-
-std::vector<Place> placesOf(const Selection& selection) {
-  if (selection.from.empty()) {
-    return {userPlace()};
-  }
-  std::vector<Place> places;
-  for (const std::filesystem::path& path : selection.from) {
-    places.push_back({LogDirectory(path), false});
-  }
-  return places;
 }
 
 int summarise(const Place& place, const Selection& selection, EpochSeconds now,

@@ -92,6 +92,14 @@ std::optional<JournalTest> testOf(const std::optional<Iperf3Report>& report,
   return isOfRun ? std::optional(JournalTest{*report, ""}) : std::nullopt;
 }
 
+/// A line without a key would lead to no run, and so be added again by each command.
+bool isNew(const JournalLine& line, const std::vector<JournalLine>& journal) {
+  const RunKeys keys = keysOf(line);
+  return (keys.ping || keys.write || keys.read) &&
+         std::ranges::none_of(journal,
+                              [&](const JournalLine& other) { return isSameRun(line, other); });
+}
+
 }  // namespace
 
 void appendToJournal(const LogDirectory& directory, const JournalLine& line, EpochSeconds time) {
@@ -119,7 +127,7 @@ bool keepLatestReports(const LogDirectory& directory, const Evidence& evidence,
   if (line.ping && last->timeSource == TimeSource::ping) {
     line.ping->start = localTime(*last->time);
   }
-  if (!line.ping && !line.write && !line.read) {
+  if (!isNew(line, evidence.journal)) {
     return false;
   }
   try {

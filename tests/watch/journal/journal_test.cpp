@@ -229,6 +229,23 @@ TEST_F(LatestReports, WithoutATestAreKeptByTheirTime) {
                         R"("write":{"release":"3.12","error":"refused"})" + kResult + "\n");
 }
 
+/// Only the name of the archive that it filled tells of its time.
+TEST_F(LatestReports, AreNotKeptWithoutAKeyOfTheRun) {
+  log_.evidence.forwardReport->start.reset();
+  log_.evidence.reverseReport->start.reset();
+  run_.timeSource = TimeSource::archiveStamp;
+
+  EXPECT_EQ(kept(), "");
+}
+
+TEST_F(LatestReports, AreNotKeptTwiceWhereTheJournalLedToNoRun) {
+  JournalLine& line = log_.evidence.journal.emplace_back();
+  line.ping.emplace();
+  line.ping->start = localTime(kFirstRun);
+
+  EXPECT_EQ(kept(), "");
+}
+
 TEST_F(LatestReports, OfARunThatWasEndedAreKeptByTheirTests) {
   run_.finished = false;
   run_.reverse = {};
